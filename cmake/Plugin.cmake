@@ -1,0 +1,43 @@
+# Copyright The Kavro STB browser authors
+# SPDX-License-Identifier: Apache-2.0
+
+# The plugin. It finds libstbapi.so by that name wherever the program that loads it has it, so there is no search path
+# in it.
+add_library(kavrostbbrowser MODULE
+    shell/CStbApplication.cpp
+    shell/CStbApplication.h
+    shell/PluginWrapper.cpp
+    shell/PluginWrapper.h
+    shell/StbInterface.h
+    shell/VerificationData.cpp
+    browser/AddressDialog.cpp
+    browser/EventNotifier.cpp
+    browser/JsApiTracer.cpp
+    browser/KavroStbBrowser.cpp
+    browser/StbWebNam.cpp
+    browser/UserAgentWebPage.cpp
+    config/PluginConfigParser.cpp
+    config/SystemSettings.cpp
+    common/other/substitution.cpp
+    common/other/tools.cpp
+    jsapi/StbDisplay.cpp
+    jsapi/StbMedia.cpp
+    jsapi/StbPVR.cpp
+    jsapi/deprecated/stb_display.cpp
+    jsapi/deprecated/stb_media.cpp
+    resources/kavrostbbrowser.qrc)
+set_target_properties(kavrostbbrowser PROPERTIES
+    AUTORCC ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    SKIP_BUILD_RPATH ON
+    INSTALL_RPATH "")
+# The sources keep to what Qt 4.7 and Qt 5.15 both have, some of which Qt 5 advises against.
+target_compile_definitions(kavrostbbrowser PRIVATE
+    QT_NO_DEPRECATED_WARNINGS
+    KAVRO_PLUGIN_BUILD_KEY="${KAVRO_PLUGIN_BUILD_KEY}")
+target_include_directories(kavrostbbrowser PRIVATE ${CMAKE_SOURCE_DIR} ${KAVRO_REVISION_DIR})
+target_link_libraries(kavrostbbrowser PRIVATE
+    kavro_warnings stbapi_desktop Qt5::Gui Qt5::Network Qt5::WebKitWidgets Qt5::Widgets Qt5::Xml resolv)
+add_dependencies(kavrostbbrowser kavro_revision)
+install(TARGETS kavrostbbrowser LIBRARY DESTINATION lib/kavro)
