@@ -1,0 +1,44 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "browser/AddressDialog.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QUrl>
+#include <QWebView>
+
+namespace {
+
+QPointer<QLineEdit> lineEdit;
+
+} // namespace
+
+void AddressDialog::ask(QWebView *view, const char *slot)
+{
+    // F1 can end the whole application while the dialog is open; it then goes with the view, its parent.
+    QPointer<QDialog> dialog = new AddressDialog(view, slot);
+    dialog->exec();
+    delete dialog;
+}
+
+QString AddressDialog::address()
+{
+    return lineEdit ? lineEdit->text() : QString();
+}
+
+AddressDialog::AddressDialog(QWebView *view, const char *slot)
+    : QDialog(view)
+{
+    setFixedSize(400, 100);
+    new QLabel(QLatin1String("Enter URL: "), this);
+    lineEdit = new QLineEdit(view->url().toString(), this);
+    lineEdit->setFixedWidth(300);
+    lineEdit->move(100, 0);
+    QPushButton *button = new QPushButton(QLatin1String("Go"), this);
+    button->move(0, 50);
+    connect(button, SIGNAL(clicked()), view, slot);
+    connect(button, SIGNAL(clicked()), SLOT(close()));
+}

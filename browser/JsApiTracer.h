@@ -1,0 +1,41 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "common/other/substitution.h"
+
+#include <QString>
+
+/// Writes the trace of script calls, while a technician has switched it on.
+class JsApiTracer
+{
+public:
+    /// Whether trace lines are written.
+    static bool isEnabled() { return debug_level > 0; }
+
+    /// Writes one trace line if tracing is on.
+    static void TRACE(const QString &text);
+
+    /// What the level file says; -1 without one.
+    static int debug_level;
+};
+
+inline QString traceText(const QString &text) { return text; }
+inline QString traceText(int number) { return QString::number(number); }
+inline QString traceText(unsigned int number) { return QString::number(number); }
+inline QString traceText(long long number) { return QString::number(number); }
+inline QString traceText(double number) { return QString::number(number, 'g', -1); }
+template <typename T>
+QString traceText(T *pointer) = delete;
+
+/// Writes one trace line: the template with its places %1, %2, ... filled by the arguments. Does nothing at all while
+/// tracing is off.
+template <typename... Args>
+void trace(const char *text, const Args &...args)
+{
+    if (!JsApiTracer::isEnabled())
+        return;
+    const QString texts[] = {traceText(args)..., QString()};
+    JsApiTracer::TRACE(Common::substituted(text, texts, sizeof...(Args)));
+}

@@ -1,0 +1,342 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "browser/KavroStbBrowser.h"
+
+#include "browser/AddressDialog.h"
+#include "browser/EventNotifier.h"
+#include "browser/JsApiTracer.h"
+#include "browser/StbWebNam.h"
+#include "browser/UserAgentWebPage.h"
+#include "common/other/tools.h"
+#include "config/PluginConfigParser.h"
+#include "jsapi/StbDisplay.h"
+#include "jsapi/StbMedia.h"
+#include "jsapi/StbPVR.h"
+#include "jsapi/deprecated/stb_display.h"
+#include "jsapi/deprecated/stb_media.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QFile>
+#include <QFileSystemWatcher>
+#include <QKeyEvent>
+#include <QNetworkReply>
+#include <QShortcut>
+#include <QSslCertificate>
+#include <QSslSocket>
+#include <QTextStream>
+#include <QTimer>
+#include <QWebFrame>
+#include <QWebSecurityOrigin>
+#include <QWebSettings>
+
+#include <cstdlib>
+#include <iostream>
+
+#include <netinet/in.h>
+#include <resolv.h>
+
+namespace {
+
+const char caBundle[] = "/etc/ssl/certs/ca-bundle.crt";
+const char debugFileDirectory[] = "/etc";
+const char debugFile[] = "/etc/stbjsapi_debug";
+const char pageDump[] = "/tmp/page.html";
+
+const int reloadDelay = 1000; // ms
+const int noProgressTimeout = 5000; // ms
+const int failuresBeforeErrorPage = 6;
+
+QTimer *createTimer(QObject *receiver, int interval, const char *slot)
+{
+    QTimer *timer = new QTimer(receiver);
+    timer->setInterval(interval);
+    timer->setSingleShot(true);
+    QObject::connect(timer, SIGNAL(timeout()), receiver, slot);
+    return timer;
+}
+
+} // namespace
+
+KavroStbBrowser::KavroStbBrowser(QWidget *parent)
+    : QWebView(parent)
+    , retryCount(0)
+    , errorPageMode(false)
+    , lastKeyTime(QTime::currentTime())
+    , lastKey(0)
+    , keyDelay(0)
+{
+    QSslSocket::setDefaultCaCertificates(QSslCertificate::fromPath(QLatin1String(caBundle)));
+    watchDebugFile();
+    setUpWebSettings();
+    addShortcuts();
+    createScriptObjects();
+    createPage();
+    connectPageToPlatform();
+    createTimers();
+    connect(display, SIGNAL(keyDelayChanged(int)), SLOT(changeKeyDelay(int)));
+    installEventFilter(this);
+}
+
+KavroStbBrowser::~KavroStbBrowser()
+{
+    KavroJS::StbMedia::destroyInstance();
+    KavroJS::StbDisplay::destroyInstance();
+    KavroJS::StbPVR::destroyInstance();
+    delete deprecatedMedia;
+    delete deprecatedDisplay;
+}
+
+void KavroStbBrowser::watchDebugFile()
+{
+    debugFileWatcher = new QFileSystemWatcher(this);
+    debugFileWatcher->addPath(QLatin1String(debugFileDirectory));
+    debugFileWatcher->addPath(QLatin1String(debugFile));
+    connect(debugFileWatcher, SIGNAL(fileChanged(QString)), SLOT(checkDebugFile()));
+    connect(debugFileWatcher, SIGNAL(directoryChanged(QString)), SLOT(checkDebugFile()));
+    checkDebugFile();
+}
+
+void KavroStbBrowser::setUpWebSettings()
+{
+    QWebSettings *settings = QWebSettings::globalSettings();
+    settings->setAttribute(QWebSettings::XSSAuditingEnabled, false);
+    settings->setAttribute(QWebSettings::LocalContentCanAccessFileUrls, true);
+    settings->setAttribute(QWebSettings::LocalContentCanAccessRemoteUrls, true);
+    QWebSecurityOrigin::addLocalScheme(QLatin1String("http"));
+}
+
+void KavroStbBrowser::addShortcuts()
+{
+    new QShortcut(Qt::CTRL + Qt::Key_R, this, SLOT(reloadPage()));
+    new QShortcut(Qt::CTRL + Qt::Key_L, this, SLOT(newUrl()));
+    new QShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_C, this, SLOT(showCursor()));
+}
+
+void KavroStbBrowser::createScriptObjects()
+{
+    media = KavroJS::StbMedia::instance();
+    display = KavroJS::StbDisplay::instance();
+    pvr = KavroJS::StbPVR::instance();
+    deprecatedMedia = new KavroJSDeprecated::stb_media;
+    deprecatedDisplay = new KavroJSDeprecated::stb_display;
+}
+
+void KavroStbBrowser::createPage()
+{
+    setPage(new UserAgentWebPage(this));
+    StbWebNam *network = new StbWebNam(this);
+    page()->setNetworkAccessManager(network);
+    connect(network, SIGNAL(sslErrors(QNetworkReply *, QList<QSslError>)),
+            SLOT(sslErrorHandler(QNetworkReply *, QList<QSslError>)));
+}
+
+void KavroStbBrowser::connectPageToPlatform()
+{
+    connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
+            Qt::QueuedConnection);
+    connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
+    connect(media, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
+    connect(deprecatedMedia, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
+}
+
+void KavroStbBrowser::createTimers()
+{
+    connect(this, SIGNAL(loadFinished(bool)), SLOT(pageLoaded(bool)));
+    connect(this, SIGNAL(loadProgress(int)), SLOT(onLoadProgress()));
+    reloadTimer = createTimer(this, reloadDelay, SLOT(reloadPage()));
+    errorPageTimer = createTimer(this, noProgressTimeout, SLOT(loadErrorPage()));
+}
+
+bool KavroStbBrowser::isTracingEnabled()
+{
+    return JsApiTracer::isEnabled();
+}
+
+void KavroStbBrowser::loadPage(const QUrl &url)
+{
+    qDebug() << "Load url: " << url.toString();
+    setUrl(url);
+    errorPageTimer->start();
+}
+
+void KavroStbBrowser::setErrorPageUrl(const QUrl &url)
+{
+    errorPageUrl = url;
+}
+
+void KavroStbBrowser::reloadPage()
+{
+    qDebug() << "Try to load page" << url();
+    setUrl(url());
+}
+
+void KavroStbBrowser::loadErrorPage()
+{
+    errorPageMode = true;
+    stop();
+    errorPageTimer->stop();
+    reloadTimer->stop();
+    if (!errorPageUrl.isEmpty())
+        setUrl(errorPageUrl);
+}
+
+void KavroStbBrowser::onLoadProgress()
+{
+    if (!errorPageMode)
+        errorPageTimer->start();
+}
+
+void KavroStbBrowser::pageLoaded(bool isLoaded)
+{
+    if (isTracingEnabled())
+        dumpPage(isLoaded);
+    page()->currentFrame()->setTextSizeMultiplier(PluginConfigParser::instance()->textSizeMultiplier);
+    if (isLoaded) {
+        reloadTimer->stop();
+        errorPageTimer->stop();
+    } else {
+        retryOrGiveUp();
+    }
+}
+
+void KavroStbBrowser::dumpPage(bool isLoaded)
+{
+    qDebug() << "Page loaded: " << isLoaded << "Page: " << url() << " Page size[[" << page()->totalBytes() << "]]";
+    QFile file(QLatin1String(pageDump));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        qDebug() << "Cannot open file to dump html";
+        return;
+    }
+    QTextStream(&file) << page()->currentFrame()->toHtml();
+}
+
+void KavroStbBrowser::retryOrGiveUp()
+{
+    res_init();
+    if (errorPageMode)
+        return;
+    if (++retryCount < failuresBeforeErrorPage) {
+        reloadTimer->start();
+        return;
+    }
+    errorPageMode = true;
+    QMetaObject::invokeMethod(this, "loadErrorPage", Qt::QueuedConnection);
+}
+
+void KavroStbBrowser::sslErrorHandler(QNetworkReply *reply, const QList<QSslError> &errors)
+{
+    qDebug() << "--->sslErrorHandler: ";
+    for (const QSslError &error : errors)
+        qDebug() << "ssl error: " << error;
+    reply->ignoreSslErrors();
+}
+
+void KavroStbBrowser::closeBrowser()
+{
+    std::exit(0);
+}
+
+void KavroStbBrowser::newUrl()
+{
+    AddressDialog::ask(this, SLOT(goToUrl()));
+}
+
+void KavroStbBrowser::goToUrl()
+{
+    disconnect(this, SIGNAL(loadFinished(bool)), this, SLOT(pageLoaded(bool)));
+    reloadTimer->stop();
+    errorPageTimer->stop();
+    stop();
+    res_init();
+    setUrl(QUrl(AddressDialog::address()));
+    std::cout << url().toString() << std::endl;
+}
+
+void KavroStbBrowser::showCursor()
+{
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+}
+
+void KavroStbBrowser::checkDebugFile()
+{
+    int &level = JsApiTracer::debug_level;
+    const QString path = QLatin1String(debugFile);
+    if (!QFile::exists(path)) {
+        // A negative level stays, as it always has.
+        if (level >= 0)
+            level = -1;
+        return;
+    }
+    // A file that did not exist when the watcher was set up is not watched yet.
+    if (level == -1 && !debugFileWatcher->files().contains(path))
+        debugFileWatcher->addPath(path);
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    QByteArray line = file.readLine();
+    if (line.endsWith('\n'))
+        line.chop(1);
+    bool ok;
+    const int number = line.toInt(&ok);
+    if (!ok) {
+        qDebug() << "ERROR! Wrong debug level: " << QString::fromLocal8Bit(line);
+        return;
+    }
+    qDebug() << "Set level to " << number;
+    level = number;
+}
+
+void KavroStbBrowser::populateJavaScriptWindowObject()
+{
+    QWebFrame *frame = page()->mainFrame();
+    frame->addToJavaScriptWindowObject(QLatin1String("StbMedia"), media);
+    frame->addToJavaScriptWindowObject(QLatin1String("StbDisplay"), display);
+    frame->addToJavaScriptWindowObject(QLatin1String("StbPVR"), pvr);
+    frame->addToJavaScriptWindowObject(QLatin1String("stb_media"), deprecatedMedia);
+    frame->addToJavaScriptWindowObject(QLatin1String("stb_display"), deprecatedDisplay);
+    frame->evaluateJavaScript(
+        QLatin1String("StbMedia.SetEventCallback = function(fun) {StbMedia.eventCallback = fun;};"));
+}
+
+void KavroStbBrowser::setJsCallback(const QString &code)
+{
+    jsCallbackCode = code;
+}
+
+void KavroStbBrowser::evaluateEvent(int argument, int code)
+{
+    media->setLastEvent(argument, code);
+    deprecatedMedia->lastEventId = argument;
+    deprecatedMedia->lastEventType = code;
+
+    QWebFrame *frame = page()->mainFrame();
+    frame->evaluateJavaScript(
+        QString::fromLatin1(
+            "if (typeof StbMedia.eventCallback != 'undefined') StbMedia.eventCallback(%1, %2);")
+            .arg(argument)
+            .arg(code));
+    if (!jsCallbackCode.isEmpty())
+        frame->evaluateJavaScript(jsCallbackCode);
+}
+
+void KavroStbBrowser::changeKeyDelay(int ms)
+{
+    keyDelay = qMax(ms, 0);
+}
+
+bool KavroStbBrowser::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress || watched != this)
+        return false;
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    const QTime now = QTime::currentTime();
+    // The delay counts from the last press that went through. Across midnight the difference is negative: too soon.
+    if (lastKeyTime.msecsTo(now) < keyDelay && key == lastKey && keyDelay > 0)
+        return true;
+    lastKeyTime = now;
+    lastKey = key;
+    return false;
+}

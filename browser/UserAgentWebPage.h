@@ -1,0 +1,19 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QWebPage>
+
+/// The page: tells servers which box they talk to, and goes neither back nor forward.
+class UserAgentWebPage : public QWebPage
+{
+public:
+    explicit UserAgentWebPage(QObject *parent);
+
+    void triggerAction(WebAction action, bool checked = false) override;
+
+protected:
+    QString userAgentForUrl(const QUrl &url) const override;
+    bool acceptNavigationRequest(QWebFrame *frame, const QNetworkRequest &request, NavigationType type) override;
+};

@@ -1,0 +1,35 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The one place that knows toolkit versions: boxes run Qt 4.7, the desk box Qt 5.15.
+
+#pragma once
+
+#include <QSslConfiguration>
+#include <QtPlugin>
+
+#if QT_VERSION >= 0x050000
+/// Stands in the class that is the plugin's root object.
+#define KAVRO_PLUGIN_ROOT Q_PLUGIN_METADATA(IID KAVRO_STB_INTERFACE_ID)
+/// Stands once in a source file, after the class.
+#define KAVRO_EXPORT_PLUGIN(className)
+#else
+#define KAVRO_PLUGIN_ROOT
+#define KAVRO_EXPORT_PLUGIN(className) Q_EXPORT_PLUGIN2(kavrostbbrowser, className)
+#endif
+
+namespace QtCompat {
+
+/// Allows TLS 1.0 only.
+inline void setTls10(QSslConfiguration &configuration)
+{
+#if QT_VERSION >= 0x050000
+    configuration.setProtocol(QSsl::TlsV1_0);
+    // OpenSSL 3 refuses TLS 1.0 at its default security level.
+    configuration.setBackendConfigurationOption("CipherString", QByteArray("DEFAULT@SECLEVEL=0"));
+#else
+    configuration.setProtocol(QSsl::TlsV1);
+#endif
+}
+
+} // namespace QtCompat

@@ -1,0 +1,5 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "jsapi/deprecated/stb_display.h"
+

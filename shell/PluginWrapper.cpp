@@ -1,0 +1,280 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "shell/PluginWrapper.h"
+
+#include "browser/KavroStbBrowser.h"
+#include "config/PluginConfigParser.h"
+#include "config/SystemSettings.h"
+#include "jsapi/StbDisplay.h"
+#include "platform/stbapi.h"
+#include "revision.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QWebInspector>
+#include <QWebPage>
+#include <QWebSettings>
+
+#include <cstdlib>
+
+namespace {
+
+const char defaultPluginDir[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
+const char bigIcon[] = ":/images/kavrostbbrowser_b.png";
+const char smallIcon[] = ":/images/kavrostbbrowser_s.png";
+
+const QSize screenSize(1920, 1080);
+const int startDelay = 10; // ms
+const int splashDelay = 500; // ms
+const int inspectorFontSize = 30; // pixels
+
+void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)
+{
+    QPalette palette = widget->palette();
+    palette.setBrush(role, QBrush(color));
+    widget->setPalette(palette);
+}
+
+// Models whose graphics layer lies above the video need a see-through window.
+bool needsTranslucentWindow()
+{
+    char *model = 0;
+    if (KVR_GetDeviceModel(&model) != KVR_OK || !model)
+        return false;
+    const bool answer = QString::fromLatin1(model).contains(QLatin1String("MZ-600"), Qt::CaseInsensitive);
+    free(model);
+    return answer;
+}
+
+} // namespace
+
+PluginWrapper::PluginWrapper(QWidget *parent)
+    : CStbApplication(parent)
+    , shuttingDown(false)
+    , browser(0)
+    , inspector(0)
+    , running(false)
+    , pluginDir(QLatin1String(defaultPluginDir))
+    , manifest(0)
+    , splashLabel(0)
+{
+    setBrush(this, QPalette::Window, Qt::black);
+}
+
+PluginWrapper::~PluginWrapper()
+{
+    if (running)
+        teardown();
+    cleanupStbApi();
+    PluginConfigParser::destroyInstance();
+}
+
+QString PluginWrapper::appName()
+{
+    return manifest && !manifest->briefDescription.isEmpty() ? manifest->briefDescription : tr("JS Browser");
+}
+
+QString PluginWrapper::appDescription()
+{
+    return manifest && !manifest->longDescription.isEmpty() ? manifest->longDescription : tr("Middleware browser");
+}
+
+QPixmap PluginWrapper::appLogo()
+{
+    return icon(manifest ? manifest->bigIcon : QString(), bigIcon);
+}
+
+QPixmap PluginWrapper::appLogoSmall()
+{
+    return icon(manifest ? manifest->smallIcon : QString(), smallIcon);
+}
+
+QPixmap PluginWrapper::icon(const QString &file, const char *builtIn) const
+{
+    return QPixmap(file.isEmpty() ? QLatin1String(builtIn) : pluginDir.absoluteFilePath(file));
+}
+
+QString PluginWrapper::relativePath() const
+{
+    return QLatin1String("stbbrowser/");
+}
+
+QString PluginWrapper::pluginVersion() const
+{
+    return QLatin1String("1.1.4");
+}
+
+QString PluginWrapper::vcsVersion() const
+{
+    return QLatin1String(KAVRO_REVISION);
+}
+
+QString PluginWrapper::compilationTime() const
+{
+    return QLatin1String(__TIME__ " " __DATE__);
+}
+
+bool PluginWrapper::supportsSD() const
+{
+    return manifest && manifest->supportsSd;
+}
+
+void PluginWrapper::setFullPath(const QString &path)
+{
+    pluginDir.setPath(path);
+    manifest = PluginConfigParser::instance(pluginDir);
+    if (!manifest->valid)
+        qWarning() << "Malformed Manifest";
+    QTimer::singleShot(startDelay, this, SLOT(runApplication()));
+}
+
+void PluginWrapper::runApplication()
+{
+    if (running)
+        return;
+    connect(this, SIGNAL(resize(QSize)), SLOT(doFixedSize(QSize)));
+    KVR_SetCurrentLayout(0);
+    KVR_SetChromaKeyEnable(0);
+    qApp->installEventFilter(this);
+    qDebug() << Common::getDisplayMode();
+    const QSize pageSize = chosenPageSize();
+    KVR_SetResolution(pageSize.width(), pageSize.height());
+    setFixedSize(screenSize);
+    startSplashTimer();
+    createBrowser(pageSize);
+    createInspector();
+    connect(KavroJS::StbDisplay::instance(), SIGNAL(ExitToMenuSignal()), SLOT(shutdownApplication()));
+    running = true;
+}
+
+QSize PluginWrapper::chosenPageSize() const
+{
+    if (!manifest->valid)
+        return screenSize;
+    qDebug() << manifest->systemwideResolution;
+    if (manifest->systemwideResolution)
+        qDebug() << Common::getDisplayMode();
+    return manifest->currentResolution();
+}
+
+void PluginWrapper::startSplashTimer()
+{
+    splashTimer.setInterval(splashDelay);
+    splashTimer.setSingleShot(true);
+    connect(&splashTimer, SIGNAL(timeout()), SLOT(showSplash()));
+    splashTimer.start();
+}
+
+void PluginWrapper::createBrowser(const QSize &size)
+{
+    browser = new KavroStbBrowser(this);
+    makeBackgroundTransparent();
+    browser->settings()->setAttribute(QWebSettings::DeveloperExtrasEnabled, true);
+    browser->loadPage(QUrl(manifest->homePage));
+    browser->setErrorPageUrl(QUrl(manifest->errorPage));
+    browser->setFixedSize(size);
+    browser->show();
+    browser->setFocus(Qt::OtherFocusReason);
+    connect(browser, SIGNAL(loadFinished(bool)), SLOT(onPageLoadFinished(bool)));
+}
+
+// Video shows through where the page paints nothing.
+void PluginWrapper::makeBackgroundTransparent()
+{
+    browser->setBackgroundRole(QPalette::Dark);
+    QPalette palette = browser->palette();
+    palette.setBrush(QPalette::Base, QBrush(Qt::transparent));
+    browser->page()->setPalette(palette);
+    browser->setAttribute(Qt::WA_OpaquePaintEvent, false);
+    if (needsTranslucentWindow())
+        setAttribute(Qt::WA_TranslucentBackground);
+}
+
+void PluginWrapper::createInspector()
+{
+    inspector = new QWebInspector;
+    inspector->setPage(browser->page());
+    QFont font = inspector->font();
+    font.setPixelSize(inspectorFontSize);
+    inspector->setFont(font);
+}
+
+void PluginWrapper::shutdownApplication()
+{
+    shuttingDown = true;
+    emit exit();
+}
+
+void PluginWrapper::doFixedSize(QSize size)
+{
+    setFixedSize(size);
+}
+
+void PluginWrapper::onPageLoadFinished(bool ok)
+{
+    if (!ok)
+        return;
+    splashTimer.stop();
+    splashPixmap = QPixmap();
+    if (splashLabel) {
+        splashLabel->deleteLater();
+        splashLabel = 0;
+    }
+}
+
+void PluginWrapper::showSplash()
+{
+    if (manifest->splashImage.isEmpty())
+        return;
+    splashPixmap = QPixmap(pluginDir.absoluteFilePath(manifest->splashImage));
+    splashLabel = new QLabel(this);
+    splashLabel->setPixmap(splashPixmap);
+    splashLabel->show();
+}
+
+bool PluginWrapper::eventFilter(QObject *, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    if (shuttingDown)
+        return true;
+    if (static_cast<QKeyEvent *>(event)->key() != Qt::Key_F1)
+        return false;
+    shutdownApplication();
+    return true;
+}
+
+void PluginWrapper::keyPressEvent(QKeyEvent *)
+{
+    // Keys are the page's: what it leaves over goes nowhere, not to the launcher's windows.
+}
+
+void PluginWrapper::teardown()
+{
+    QWebSettings::globalSettings()->setAttribute(QWebSettings::LocalStorageEnabled, false);
+    running = false;
+    browser->hide();
+    inspector->hide();
+    emit resize(screenSize);
+    QCoreApplication::processEvents(); // paints what was hidden, while all objects are still there
+    delete browser;
+    delete inspector;
+    qApp->removeEventFilter(this);
+}
+
+// The launcher expects its graphics layer as it gave it away.
+void PluginWrapper::cleanupStbApi()
+{
+    KVR_SetGraphicsVisible(0);
+    KVR_SetResolution(screenSize.width(), screenSize.height());
+    KVR_SetGraphicsAlphaLevel(255);
+    const KVR_Rect fullScreen = {0, 0, screenSize.width(), screenSize.height()};
+    KVR_SetGraphicsViewport(&fullScreen);
+    KVR_SetGraphicsVisible(1);
+    KVR_SetChromaKeyEnable(0);
+}
+
+KAVRO_EXPORT_PLUGIN(PluginWrapper)
