@@ -204,7 +204,8 @@ void KavroStbBrowser::pageLoaded(bool isLoaded)
 void KavroStbBrowser::dumpPage(bool isLoaded)
 {
     qDebug() << "Page loaded: " << isLoaded << "Page: " << url() << " Page size[[" << page()->totalBytes() << "]]";
-    QFile file(QLatin1String(pageDump));
+    const QString path = QLatin1String(pageDump);
+    QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         qDebug() << "Cannot open file to dump html";
         return;

@@ -47,10 +47,11 @@ QString Common::CSettingsParser::errorString() const
 
 QString Common::settingsValue(const QString &section, const QString &key)
 {
-    QFile file(QLatin1String(settingsPath));
+    const QString path = QLatin1String(settingsPath);
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         writeError("QString Common::settingsValue(const QString&, const QString&)",
-                   QString::fromLatin1("Can't open %1 %2").arg(QLatin1String(settingsPath), file.errorString()));
+                   QString::fromLatin1("Can't open %1 %2").arg(path, file.errorString()));
         return QString();
     }
     return CSettingsParser().parse(&file, section, key);
