@@ -1,0 +1,33 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "BootParameters.h"
+#include "DeviceIdentity.h"
+#include "EventRegistry.h"
+#include "Firmware.h"
+#include "GraphicsState.h"
+#include "Outputs.h"
+#include "ScreenNotifier.h"
+
+namespace Desk {
+
+/// The state of the desk box: what the KVR_ functions and the DeskBox functions work on.
+struct Box {
+    EventRegistry events;
+    ScreenNotifier screen;
+    GraphicsState graphics{screen};
+    Outputs outputs{events};
+    DeviceIdentity identity;
+    BootParameters bootParameters{events};
+    Firmware firmware;
+
+    /// Ends what goes on in the background, when the process ends.
+    void finish();
+};
+
+/// The only box of the process.
+Box &box();
+
+} // namespace Desk

@@ -1,0 +1,46 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DeviceIdentity.h"
+#include "BoxPaths.h"
+#include "DurableFile.h"
+
+#include <random>
+
+using namespace Desk;
+
+std::string DeviceIdentity::model() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_model;
+}
+
+void DeviceIdentity::setModel(const std::string &model)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_model = model;
+}
+
+std::string DeviceIdentity::firmwareVersion()
+{
+    return KAVRO_VERSION;
+}
+
+std::string DeviceIdentity::serialNumber()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_serialNumber.empty())
+        return m_serialNumber;
+
+    const std::string kept = readFile(BoxPaths::serialNumber);
+    m_serialNumber = kept.substr(0, kept.find('\n'));
+    if (m_serialNumber.empty()) {
+        std::random_device random;
+        std::uniform_int_distribution<int> number(0, 99999999);
+        const std::string digits = std::to_string(number(random));
+        const std::string made = "DESK" + std::string(8 - digits.size(), '0') + digits;
+        if (writeDurably(BoxPaths::serialNumber, made + '\n'))
+            m_serialNumber = made;
+    }
+    return m_serialNumber;
+}

@@ -1,0 +1,29 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <mutex>
+#include <string>
+
+namespace Desk {
+
+/// Who the box says it is.
+class DeviceIdentity {
+public:
+    std::string model() const;
+    void setModel(const std::string &model);
+
+    /// The version of this system.
+    static std::string firmwareVersion();
+
+    /// Made up at first use and kept in the box's files. Empty when it cannot be kept.
+    std::string serialNumber();
+
+private:
+    mutable std::mutex m_mutex;
+    std::string m_model = "MZ-600 desk";
+    std::string m_serialNumber;
+};
+
+} // namespace Desk

@@ -1,0 +1,101 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DurableFile.h"
+#include "Log.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+std::string folderOf(const std::string &path)
+{
+    return std::filesystem::path(path).parent_path().string();
+}
+
+bool fail(const std::string &action, const std::string &path)
+{
+    const int error = errno;
+    Desk::log("cannot " + action + " " + path + ": " + std::strerror(error));
+    return false;
+}
+
+bool writeAll(int file, const std::string &content)
+{
+    const char *rest = content.data();
+    std::size_t size = content.size();
+    while (size > 0) {
+        const ssize_t written = ::write(file, rest, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        rest += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+bool syncFolder(const std::string &path)
+{
+    const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return fail("open", path);
+    const bool synced = ::fsync(folder) == 0 || fail("sync", path);
+    ::close(folder);
+    return synced;
+}
+
+} // namespace
+
+bool Desk::makeFolderOf(const std::string &path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folderOf(path), error);
+    if (error)
+        log("cannot create " + folderOf(path) + ": " + error.message());
+    return !error;
+}
+
+bool Desk::renameDurably(const std::string &from, const std::string &to)
+{
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        return fail("write", to);
+    return syncFolder(folderOf(to));
+}
+
+bool Desk::writeDurably(const std::string &path, const std::string &content)
+{
+    if (!makeFolderOf(path))
+        return false;
+    std::string temporary = path + ".XXXXXX";
+    const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (file < 0)
+        return fail("write", path);
+    const bool written = ::fchmod(file, 0644) == 0 && writeAll(file, content) && ::fsync(file) == 0;
+    if (!written)
+        fail("write", path);
+    ::close(file);
+    if (written && renameDurably(temporary, path))
+        return true;
+    ::unlink(temporary.c_str());
+    return false;
+}
+
+std::string Desk::readFile(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    if (file)
+        content << file.rdbuf();
+    else if (::access(path.c_str(), F_OK) == 0)
+        log("cannot read " + path);
+    return content.str();
+}

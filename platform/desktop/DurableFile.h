@@ -1,0 +1,23 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <string>
+
+namespace Desk {
+
+/// Replaces a file's content so that a kill or a power loss at any moment leaves the old or the new content. Creates
+/// the missing folders of the path. On failure it logs why, returns false, and the old file is as it was.
+bool writeDurably(const std::string &path, const std::string &content);
+
+/// Brings a file that lies complete under a temporary name of the same folder to its final name, durably.
+bool renameDurably(const std::string &from, const std::string &to);
+
+/// Creates the missing folders of a file's path. Logs and returns false when it cannot.
+bool makeFolderOf(const std::string &path);
+
+/// The content of a small file; an empty text when there is none. A file that is there and cannot be read is logged.
+std::string readFile(const std::string &path);
+
+} // namespace Desk

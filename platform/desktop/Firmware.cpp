@@ -1,0 +1,121 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Firmware.h"
+#include "BoxPaths.h"
+#include "DurableFile.h"
+#include "Log.h"
+#include "stbapi.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <curl/curl.h>
+#include <memory>
+#include <unistd.h>
+
+using namespace Desk;
+
+namespace {
+
+constexpr long connectTimeout = 15; // seconds
+constexpr long stallTimeout = 30; // seconds without a byte
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
+using Transfer = std::unique_ptr<CURL, void (*)(CURL *)>;
+
+int breakOff(void *finishing, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
+{
+    return *static_cast<std::atomic<bool> *>(finishing) ? 1 : 0;
+}
+
+void prepare(CURL *transfer, const std::string &url, std::FILE *target, char *error)
+{
+    curl_easy_setopt(transfer, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(transfer, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(transfer, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(transfer, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(transfer, CURLOPT_MAXREDIRS, 10L);
+    curl_easy_setopt(transfer, CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(transfer, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(transfer, CURLOPT_CONNECTTIMEOUT, connectTimeout);
+    curl_easy_setopt(transfer, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(transfer, CURLOPT_LOW_SPEED_TIME, stallTimeout);
+    curl_easy_setopt(transfer, CURLOPT_CAINFO, BoxPaths::certificates);
+    curl_easy_setopt(transfer, CURLOPT_WRITEDATA, target);
+    curl_easy_setopt(transfer, CURLOPT_ERRORBUFFER, error);
+}
+
+// Fetches the whole of url into target. The reason when that fails, an empty text when it does not.
+std::string download(const std::string &url, std::FILE *target, std::atomic<bool> &finishing)
+{
+    const Transfer transfer(curl_easy_init(), curl_easy_cleanup);
+    if (!transfer)
+        return "no memory";
+    char error[CURL_ERROR_SIZE] = "";
+    prepare(transfer.get(), url, target, error);
+    curl_easy_setopt(transfer.get(), CURLOPT_XFERINFOFUNCTION, breakOff);
+    curl_easy_setopt(transfer.get(), CURLOPT_XFERINFODATA, &finishing);
+    curl_easy_setopt(transfer.get(), CURLOPT_NOPROGRESS, 0L);
+
+    const CURLcode result = curl_easy_perform(transfer.get());
+    if (result != CURLE_OK)
+        return *error ? error : curl_easy_strerror(result);
+
+    curl_off_t expected = -1;
+    curl_off_t received = 0;
+    curl_easy_getinfo(transfer.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &expected);
+    curl_easy_getinfo(transfer.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+    if (expected < 0)
+        return "the server does not tell the size (Content-Length), so it cannot be verified";
+    if (expected != received || received == 0)
+        return std::to_string(received) + " of " + std::to_string(expected) + " bytes arrived";
+    if (std::fflush(target) != 0 || ::fsync(::fileno(target)) != 0)
+        return std::strerror(errno);
+    return {};
+}
+
+} // namespace
+
+int Firmware::upgrade(const std::string &url)
+{
+    if (url.empty())
+        return KVR_ERR_INVALID_ARGUMENT;
+    if (m_busy.exchange(true))
+        return KVR_ERR_INVALID_STATE;
+    m_fetcher.post([this, url] {
+        fetch(url);
+        m_busy = false;
+    });
+    return KVR_OK;
+}
+
+void Firmware::finish()
+{
+    m_finishing = true;
+    m_fetcher.finish();
+}
+
+void Firmware::fetch(const std::string &url)
+{
+    log("firmware upgrade from " + url + " started");
+    const std::string image = BoxPaths::firmwareImage;
+    const std::string partial = image + ".part";
+    std::string problem;
+    if (!makeFolderOf(image)) {
+        problem = "no folder for it";
+    } else if (const File file(std::fopen(partial.c_str(), "wbe"), std::fclose); !file) {
+        problem = partial + ": " + std::strerror(errno);
+    } else {
+        problem = download(url, file.get(), m_finishing);
+    }
+    if (problem.empty() && !renameDurably(partial, image))
+        problem = "the image could not be stored";
+
+    if (problem.empty()) {
+        log("firmware upgrade from " + url + " done, the image is " + image);
+    } else {
+        ::unlink(partial.c_str());
+        log("firmware upgrade from " + url + " failed: " + problem);
+    }
+}

@@ -1,0 +1,34 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "Log.h"
+#include "stbapi.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <string>
+
+namespace Desk {
+
+/// Runs the body of a KVR_ function: no exception crosses the C interface, it becomes a line in the log and failure.
+template <typename Body, typename Result = int>
+Result guarded(const char *function, Body body, Result failure = KVR_ERR_FAILED)
+{
+    try {
+        return body();
+    } catch (const std::exception &exception) {
+        log(std::string(function) + " failed: " + exception.what());
+        return failure;
+    }
+}
+
+/// A text for the caller, who releases it with free. Null when there is no memory.
+inline char *newText(const std::string &text)
+{
+    return ::strdup(text.c_str());
+}
+
+} // namespace Desk

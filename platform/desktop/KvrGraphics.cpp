@@ -1,0 +1,110 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The KVR_ functions of the graphics layer, the layout and the outputs.
+
+#include "Box.h"
+#include "Guarded.h"
+
+using namespace Desk;
+
+int KVR_SetResolution(int width, int height)
+{
+    return guarded(__func__, [=] { return box().graphics.setResolution(width, height); });
+}
+
+int KVR_SetGraphicsViewport(const KVR_Rect *viewport)
+{
+    if (!viewport)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return box().graphics.setViewport(*viewport); });
+}
+
+int KVR_GetGraphicsViewport(KVR_Rect *viewport)
+{
+    if (!viewport)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] {
+        *viewport = box().graphics.layer().viewport;
+        return KVR_OK;
+    });
+}
+
+int KVR_SetGraphicsVisible(int visible)
+{
+    return guarded(__func__, [=] {
+        box().graphics.setVisible(visible != 0);
+        return KVR_OK;
+    });
+}
+
+int KVR_IsGraphicsVisible(void)
+{
+    return guarded(__func__, [] { return box().graphics.layer().visible ? 1 : 0; });
+}
+
+int KVR_SetGraphicsAlphaLevel(unsigned int alpha)
+{
+    return guarded(__func__, [=] { return box().graphics.setAlpha(alpha); });
+}
+
+int KVR_GetGraphicsAlphaLevel(void)
+{
+    return guarded(__func__, [] { return box().graphics.layer().alpha; });
+}
+
+int KVR_SetChromaKey(KVR_Color color)
+{
+    return guarded(__func__, [=] {
+        box().graphics.setChromaKey(color);
+        return KVR_OK;
+    });
+}
+
+int KVR_GetChromaKey(KVR_Color *color)
+{
+    if (!color)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] {
+        *color = box().graphics.layer().chromaKey;
+        return KVR_OK;
+    });
+}
+
+int KVR_SetChromaKeyEnable(int enable)
+{
+    return guarded(__func__, [=] {
+        box().graphics.setChromaKeyEnabled(enable != 0);
+        return KVR_OK;
+    });
+}
+
+int KVR_IsChromaKeyEnable(void)
+{
+    return guarded(__func__, [] { return box().graphics.layer().chromaKeyEnabled ? 1 : 0; });
+}
+
+int KVR_SetCurrentLayout(int layout)
+{
+    return guarded(__func__, [=] { return box().graphics.setLayout(layout); });
+}
+
+int KVR_GetCurrentLayout(void)
+{
+    return guarded(__func__, [] { return box().graphics.layout(); });
+}
+
+int KVR_SwitchToNextLayout(void)
+{
+    return guarded(__func__, [] { return box().graphics.switchToNextLayout(); });
+}
+
+int KVR_IsOutportsEnabled(void)
+{
+    return guarded(__func__, [] { return box().outputs.enabled() ? 1 : 0; });
+}
+
+int KVR_GetHdmiState(void)
+{
+    return guarded(__func__, [] { return static_cast<int>(box().outputs.hdmiState()); });
+}
