@@ -6,6 +6,7 @@
 #include "common/other/substitution.h"
 
 #include <QString>
+#include <QVariant>
 
 /// Writes the trace of script calls, while a technician has switched it on.
 class JsApiTracer
@@ -26,6 +27,7 @@ inline QString traceText(int number) { return QString::number(number); }
 inline QString traceText(unsigned int number) { return QString::number(number); }
 inline QString traceText(long long number) { return QString::number(number); }
 inline QString traceText(double number) { return QString::number(number, 'g', -1); }
+inline QString traceText(const QVariant &value) { return value.toString(); }
 template <typename T>
 QString traceText(T *pointer) = delete;
 

@@ -4,8 +4,10 @@
 #include "browser/KavroStbBrowser.h"
 
 #include "browser/AddressDialog.h"
+#include "browser/DeleteGuard.h"
 #include "browser/EventNotifier.h"
 #include "browser/JsApiTracer.h"
+#include "browser/PageGuard.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
 #include "common/other/tools.h"
@@ -121,6 +123,11 @@ void KavroStbBrowser::createScriptObjects()
     pvr = KavroJS::StbPVR::instance();
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
+
+    QObject *const objects[] = {media, display, pvr, deprecatedMedia, deprecatedDisplay};
+    DeleteGuard *guard = new DeleteGuard(this);
+    for (QObject *object : objects)
+        object->installEventFilter(guard);
 }
 
 void KavroStbBrowser::createPage()
@@ -298,6 +305,7 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
     frame->addToJavaScriptWindowObject(QLatin1String("StbPVR"), pvr);
     frame->addToJavaScriptWindowObject(QLatin1String("stb_media"), deprecatedMedia);
     frame->addToJavaScriptWindowObject(QLatin1String("stb_display"), deprecatedDisplay);
+    frame->evaluateJavaScript(pageGuardScript());
     frame->evaluateJavaScript(
         QLatin1String("StbMedia.SetEventCallback = function(fun) {StbMedia.eventCallback = fun;};"));
 }

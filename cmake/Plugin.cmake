@@ -11,18 +11,35 @@ add_library(kavrostbbrowser MODULE
     shell/StbInterface.h
     shell/VerificationData.cpp
     browser/AddressDialog.cpp
+    browser/DeleteGuard.cpp
     browser/EventNotifier.cpp
     browser/JsApiTracer.cpp
     browser/KavroStbBrowser.cpp
+    browser/PageGuard.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
     config/PluginConfigParser.cpp
     config/SystemSettings.cpp
     common/other/substitution.cpp
     common/other/tools.cpp
+    jsapi/BootParameters.cpp
+    jsapi/CustomScript.cpp
+    jsapi/DeviceIdentity.cpp
+    jsapi/DisplayCallbacks.cpp
+    jsapi/GraphicsLayer.cpp
+    jsapi/PageLog.cpp
+    jsapi/PlatformRecords.cpp
+    jsapi/PlayerCallbacks.cpp
+    jsapi/Reboot.cpp
+    jsapi/SoundSettings.cpp
     jsapi/StbDisplay.cpp
+    jsapi/StbDisplayDevice.cpp
+    jsapi/StbDisplayFiles.cpp
     jsapi/StbMedia.cpp
+    jsapi/StbMediaPicture.cpp
+    jsapi/StbMediaTracks.cpp
     jsapi/StbPVR.cpp
+    jsapi/StoragePath.cpp
     jsapi/deprecated/stb_display.cpp
     jsapi/deprecated/stb_media.cpp
     resources/kavrostbbrowser.qrc)

@@ -3,17 +3,188 @@
 
 #include "jsapi/StbDisplay.h"
 
-KavroJS::StbDisplay *KavroJS::StbDisplay::inst_ = 0;
+#include "browser/JsApiTracer.h"
+#include "jsapi/DisplayCallbacks.h"
+#include "jsapi/FailureMap.h"
+#include "jsapi/GraphicsLayer.h"
+#include "jsapi/PageLog.h"
 
-KavroJS::StbDisplay *KavroJS::StbDisplay::instance()
+#include <QVarLengthArray>
+
+#include <cstdlib>
+
+namespace KavroJS {
+
+StbDisplay *StbDisplay::inst_ = 0;
+
+StbDisplay *StbDisplay::instance()
 {
     if (!inst_)
         inst_ = new StbDisplay;
     return inst_;
 }
 
-void KavroJS::StbDisplay::destroyInstance()
+void StbDisplay::destroyInstance()
 {
     delete inst_;
     inst_ = 0;
 }
+
+StbDisplay::StbDisplay()
+    : logFile(new PageLog(this))
+    , savedSyncHandler(takeOver(KVR_EVENT_SYNC_DONE, syncdonecb))
+    // Nobody hears of output ports while pages are in charge of them.
+    , savedOutputPortHandler(takeOver(KVR_EVENT_OUTPUT_STATE, 0))
+    , savedHdmiHandler(takeOver(KVR_EVENT_HDMI, hdmicb))
+{
+}
+
+StbDisplay::~StbDisplay()
+{
+    giveBack(KVR_EVENT_SYNC_DONE, savedSyncHandler);
+    giveBack(KVR_EVENT_OUTPUT_STATE, savedOutputPortHandler);
+    giveBack(KVR_EVENT_HDMI, savedHdmiHandler);
+    logFile->close();
+}
+
+KVR_EventHandler StbDisplay::takeOver(int event, KVR_EventHandler handler)
+{
+    const KVR_EventHandler before = KVR_GetEventHandler(KVR_BOX, event);
+    if (before)
+        KVR_DeleteEventHandler(KVR_BOX, event);
+    if (handler)
+        KVR_RegisterEventHandler(KVR_BOX, event, handler);
+    return before;
+}
+
+void StbDisplay::giveBack(int event, KVR_EventHandler handler)
+{
+    KVR_DeleteEventHandler(KVR_BOX, event);
+    if (handler)
+        KVR_RegisterEventHandler(KVR_BOX, event, handler);
+}
+
+int StbDisplay::SetGraphicsViewport(int x, int y, int w, int h)
+{
+    trace("StbDisplay.SetGraphicsViewport(%1, %2, %3, %4)", x, y, w, h);
+    return GraphicsLayer::setViewport(x, y, w, h);
+}
+
+QVariant StbDisplay::GetGraphicsViewport()
+{
+    trace("StbDisplay.GetGraphicsViewport()");
+    KVR_Rect viewport;
+    if (!GraphicsLayer::viewport(viewport))
+        return failureMap(QLatin1String("Invalid Id"), 30);
+    QVariantMap answer;
+    answer[QLatin1String("status")] = QLatin1String("OK");
+    answer[QLatin1String("x")] = viewport.x;
+    answer[QLatin1String("y")] = viewport.y;
+    answer[QLatin1String("width")] = viewport.width;
+    answer[QLatin1String("height")] = viewport.height;
+    return answer;
+}
+
+int StbDisplay::SetGraphicsVisible(int visible)
+{
+    trace("StbDisplay.SetGraphicsVisible(%1)", visible);
+    return KVR_SetGraphicsVisible(visible);
+}
+
+int StbDisplay::IsGraphicsVisible()
+{
+    trace("StbDisplay.IsGraphicsVisible()");
+    return KVR_IsGraphicsVisible();
+}
+
+int StbDisplay::SetAlphaLevel(uint alpha)
+{
+    trace("StbDisplay.SetAlphaLevel(%1)", alpha);
+    return KVR_SetGraphicsAlphaLevel(alpha);
+}
+
+int StbDisplay::GetAlphaLevel()
+{
+    trace("StbDisplay.GetAlphaLevel()");
+    return KVR_GetGraphicsAlphaLevel();
+}
+
+int StbDisplay::SetChromaKey(int color)
+{
+    trace("StbDisplay.SetChromaKey(%1)", color);
+    return GraphicsLayer::setChromaKey(color);
+}
+
+int StbDisplay::GetChromaKey()
+{
+    trace("StbDisplay.GetChromaKey()");
+    return GraphicsLayer::chromaKey();
+}
+
+int StbDisplay::IsChromaKeyEnable()
+{
+    trace("StbDisplay.IsChromaKeyEnable()");
+    return KVR_IsChromaKeyEnable();
+}
+
+int StbDisplay::SetChromaKeyEnable(int enable)
+{
+    trace("StbDisplay.SetChromaKeyEnable(%1)", enable);
+    return KVR_SetChromaKeyEnable(enable);
+}
+
+int StbDisplay::SetCurrentRMLayout(int layout)
+{
+    trace("StbDisplay.SetCurrentRMLayout(%1)", layout);
+    return KVR_SetCurrentLayout(layout);
+}
+
+int StbDisplay::GetCurrentRMLayout()
+{
+    trace("StbDisplay.GetCurrentRMLayout()");
+    return KVR_GetCurrentLayout();
+}
+
+int StbDisplay::SwitchToNextRMLayout()
+{
+    trace("StbDisplay.SwitchToNextRMLayout()");
+    return KVR_SwitchToNextLayout();
+}
+
+QVariant StbDisplay::GetOrder()
+{
+    trace("StbDisplay.GetOrder()");
+    int *order = 0;
+    int count = 0;
+    if (KVR_GetOrder(&order, &count) != KVR_OK)
+        return failureMap(QLatin1String("get order failed"), 99);
+    QVariantList answer;
+    for (int i = 0; i < count; ++i)
+        answer.append(order[i]);
+    free(order);
+    return answer;
+}
+
+int StbDisplay::SetOrder(QVariantList list)
+{
+    trace("StbDisplay.SetOrder()");
+    QVarLengthArray<int> order;
+    foreach (const QVariant &entry, list)
+        order.append(entry.toInt());
+    KVR_SetOrder(order.constData(), order.size());
+    return 0;
+}
+
+int StbDisplay::IsOutportsEnabled()
+{
+    trace("StbDisplay.IsOutportsEnabled()");
+    return KVR_IsOutportsEnabled();
+}
+
+int StbDisplay::GetHdmiState()
+{
+    trace("StbDisplay.GetHdmiState()");
+    return KVR_GetHdmiState();
+}
+
+} // namespace KavroJS

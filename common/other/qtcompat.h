@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include <QMetaType>
 #include <QSslConfiguration>
 #include <QtPlugin>
 
@@ -29,6 +30,16 @@ inline void setTls10(QSslConfiguration &configuration)
     configuration.setBackendConfigurationOption("CipherString", QByteArray("DEFAULT@SECLEVEL=0"));
 #else
     configuration.setProtocol(QSsl::TlsV1);
+#endif
+}
+
+/// Makes a type name known as another name of int.
+inline void registerIntAlias(const char *name)
+{
+#if QT_VERSION >= 0x050000
+    qRegisterMetaType<int>(name);
+#else
+    QMetaType::registerTypedef(name, QMetaType::Int);
 #endif
 }
 

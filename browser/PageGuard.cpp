@@ -1,0 +1,126 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "browser/PageGuard.h"
+
+namespace {
+
+// The engine reads through a null pointer when it converts a Date whose value is NaN, and runs out of stack when it
+// converts an object that is nested too deeply. Both happen before a slot is called, and only for parameters of types
+// that take a Date or an object; those parameters are guarded. What a guard passes on in place of an object is what the
+// slot would have made of it.
+//
+// The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the language
+// that they use are taken before the page's first script runs.
+const char script[] = R"js(
+(function () {
+    'use strict';
+    var call = Function.prototype.call;
+    var timeOf = call.bind(Date.prototype.getTime);
+    var primitives = [call.bind(String.prototype.valueOf), call.bind(Number.prototype.valueOf),
+                      call.bind(Boolean.prototype.valueOf)];
+    var apply = call.bind(Function.prototype.apply);
+    var isArray = Array.isArray;
+    var arrayFrom = Array.from;
+    var define = Object.defineProperty;
+    var DateObject = Date;
+
+    function isObject(value) {
+        return value !== null && (typeof value === 'object' || typeof value === 'function');
+    }
+
+    // The value as a Date of our own, onInvalid for one that holds no time, otherwise undefined.
+    function safeDate(value, onInvalid) {
+        var time;
+        try {
+            time = timeOf(value);
+        } catch (notADate) {
+            return undefined;
+        }
+        return time === time ? new DateObject(time) : onInvalid;
+    }
+
+    function primitive(value) {
+        for (var i = 0; i < primitives.length; ++i) {
+            try {
+                return primitives[i](value);
+            } catch (otherType) {
+            }
+        }
+        return undefined;
+    }
+
+    // For a QDateTime: this number has no date either, and the engine knows how to say so.
+    function dateTime(value) {
+        return isObject(value) ? safeDate(value, Infinity) || value : value;
+    }
+
+    // For a QVariant.
+    function variant(value) {
+        return isObject(value) ? safeDate(value) || primitive(value) : value;
+    }
+
+    // For an entry of a list of numbers.
+    function number(value) {
+        var simple = isObject(value) ? primitive(value) : value;
+        var type = typeof simple;
+        return type === 'string' || type === 'boolean' || (type === 'number' && simple === simple) ? simple : 0;
+    }
+
+    function numbers(value) {
+        return isArray(value) ? arrayFrom(value, number) : number(value);
+    }
+
+    function guarded(target, method, index, safe) {
+        return function () {
+            if (index < arguments.length)
+                arguments[index] = safe(arguments[index]);
+            return apply(method, target, arguments);
+        };
+    }
+
+    var guards = {
+        StbMedia: {PlayFile: [5, variant]},
+        StbDisplay: {SetOrder: [0, numbers]},
+        StbPVR: {AddRecord: [2, dateTime], SetRecordStartTime: [1, variant]},
+        stb_media: {},
+        stb_display: {}
+    };
+
+    function addMethod(guard, target, name, slot, isListed) {
+        var rule = guards[guard.name][slot];
+        var method = target[name];
+        define(guard.object, name, {value: rule ? guarded(target, method, rule[0], rule[1]) : method,
+                                    enumerable: isListed});
+    }
+
+    function addProperty(guard, target, name) {
+        define(guard.object, name, {get: function () { return target[name]; },
+                                    set: function (value) { target[name] = value; }, enumerable: true});
+    }
+
+    Object.keys(guards).forEach(function (objectName) {
+        var target = window[objectName];
+        var guard = {name: objectName, object: {}};
+        for (var name in target) {
+            var slot = name.split('(')[0];
+            if (slot === name) {
+                addProperty(guard, target, name);
+                continue;
+            }
+            addMethod(guard, target, name, slot, true);
+            if (!guard.object.hasOwnProperty(slot))
+                addMethod(guard, target, slot, slot, false);
+        }
+        define(guard.object, 'toString', {value: function () { return target.toString(); }});
+        window[objectName] = guard.object;
+    });
+})();
+)js";
+
+} // namespace
+
+QString pageGuardScript()
+{
+    return QLatin1String(script);
+}

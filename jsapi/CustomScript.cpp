@@ -1,0 +1,74 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "jsapi/CustomScript.h"
+
+#include "jsapi/DeviceIdentity.h"
+#include "jsapi/FailureMap.h"
+#include "platform/stbapi.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QProcess>
+#include <QStringList>
+
+namespace {
+
+QString scriptDirectory()
+{
+    const QString model = DeviceIdentity::platformText(KVR_GetDeviceModel, "");
+    return QLatin1String(model.contains(QLatin1String("600")) ? "/usr/local/bin/custom/" : "/sdk/custom_scripts/");
+}
+
+// The toolkit's own conversion, which ends at a NUL.
+QStringList lines(const QByteArray &output)
+{
+    return QString::fromLatin1(output.constData()).split(QLatin1Char('\n'), QString::SkipEmptyParts);
+}
+
+QVariantMap outcome(QProcess &process)
+{
+    QVariantMap map;
+    map[QLatin1String("status")] = QLatin1String("OK");
+    map[QLatin1String("exit")] = process.exitCode();
+    map[QLatin1String("stdout")] = lines(process.readAllStandardOutput());
+    map[QLatin1String("stderr")] = lines(process.readAllStandardError());
+    return map;
+}
+
+} // namespace
+
+QVariantMap CustomScript::run(const QString &name, const QString &arguments)
+{
+    QProcess process;
+    const QString directory = scriptDirectory();
+    process.setWorkingDirectory(directory);
+    const QDir scripts(process.workingDirectory());
+    if (!scripts.exists())
+        return failureMap(directory + QLatin1String(": No such directory"), QLatin1String("41"));
+
+    bool found = false;
+    bool executable = false;
+    bool isFile = false;
+    foreach (const QFileInfo &entry, scripts.entryInfoList()) {
+        if (entry.fileName() != name)
+            continue;
+        found = true;
+        if (entry.isExecutable()) {
+            executable = true;
+            isFile = entry.isFile();
+            break;
+        }
+    }
+    if (!found)
+        return failureMap(name + QLatin1String(": No such file in ") + directory, 40);
+    if (!executable)
+        return failureMap(name + QLatin1String(": Permission Denied"), 42);
+    if (!isFile)
+        return failureMap(name + QLatin1String(": Is not a file or symlink to file"), 43);
+
+    process.start(process.workingDirectory() + name + QLatin1Char(' ') + arguments);
+    process.waitForFinished(-1);
+    qWarning() << process.exitCode();
+    return outcome(process);
+}

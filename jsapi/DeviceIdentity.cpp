@@ -1,0 +1,40 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "jsapi/DeviceIdentity.h"
+
+#include "platform/stbapi.h"
+
+#include <QNetworkInterface>
+
+#include <cstdlib>
+
+namespace {
+
+QNetworkInterface wiredNetwork()
+{
+    return QNetworkInterface::interfaceFromName(QLatin1String("eth0"));
+}
+
+} // namespace
+
+QString DeviceIdentity::hardwareAddress()
+{
+    return wiredNetwork().hardwareAddress().toLower();
+}
+
+QString DeviceIdentity::ipAddress()
+{
+    const QList<QNetworkAddressEntry> entries = wiredNetwork().addressEntries();
+    return entries.isEmpty() ? QString::fromLatin1("") : entries.first().ip().toString();
+}
+
+QString DeviceIdentity::platformText(TextQuery query, const char *fallback)
+{
+    char *text = 0;
+    if (query(&text) != KVR_OK || !text)
+        return QString::fromLatin1(fallback);
+    const QString answer = QString::fromLatin1(text);
+    free(text);
+    return answer;
+}

@@ -1,0 +1,21 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QString>
+
+/// What the box is called, and its address on the network.
+namespace DeviceIdentity {
+
+/// Of the wired network, in lower case; empty without one.
+QString hardwareAddress();
+/// The first address of the wired network; empty without one.
+QString ipAddress();
+
+typedef int (*TextQuery)(char **text);
+
+/// The text that the platform hands out, or the fallback if it has none.
+QString platformText(TextQuery query, const char *fallback);
+
+} // namespace DeviceIdentity

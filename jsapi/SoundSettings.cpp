@@ -1,0 +1,76 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "jsapi/SoundSettings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+const char settingsPath[] = "/home/user/config/config_files/qtstbapi.conf";
+const char volumeKey[] = "volume/volumeValue";
+const char muteKey[] = "volume/mute";
+
+QVariant value(const char *key)
+{
+    const QString path = QLatin1String(settingsPath);
+    // Settings opened for a missing file must not bring it into being.
+    if (!QFile::exists(path))
+        return 0;
+    return QSettings(path, QSettings::NativeFormat).value(QLatin1String(key), 0);
+}
+
+void bringToDisk(const QByteArray &path)
+{
+    const int file = open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return;
+    fsync(file);
+    close(file);
+}
+
+// A new file takes the old one's place in one step, so that a kill at any moment leaves the one or the other whole.
+void setValue(const char *key, int value)
+{
+    const QString path = QLatin1String(settingsPath);
+    const QString newPath = path + QLatin1String(".new");
+    QDir().mkpath(QFileInfo(path).path());
+    QFile::remove(newPath);
+    // Left behind by a kill, it would be waited for, if the process that made it had the same number as this one.
+    QFile::remove(newPath + QLatin1String(".lock"));
+    QFile::copy(path, newPath);
+    QSettings(newPath, QSettings::NativeFormat).setValue(QLatin1String(key), value);
+    bringToDisk(QFile::encodeName(newPath));
+    rename(QFile::encodeName(newPath).constData(), settingsPath);
+    bringToDisk(QFile::encodeName(QFileInfo(path).path()));
+}
+
+} // namespace
+
+int SoundSettings::volume()
+{
+    return value(volumeKey).toInt();
+}
+
+void SoundSettings::setVolume(int volume)
+{
+    setValue(volumeKey, volume);
+}
+
+int SoundSettings::mute()
+{
+    return value(muteKey).toBool() ? 1 : 0;
+}
+
+void SoundSettings::setMute(int mute)
+{
+    setValue(muteKey, mute);
+}
