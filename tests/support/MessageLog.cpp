@@ -3,18 +3,25 @@
 
 #include "MessageLog.h"
 
-#include <atomic>
+#include <algorithm>
+#include <cstdio>
+#include <mutex>
 
 namespace {
 
-std::atomic<MessageLog *> current{nullptr};
+// A thread may be writing a message while the log comes or goes.
+std::mutex mutex;
+MessageLog *current = nullptr; // under mutex
 
-}
+} // namespace
 
 MessageLog::MessageLog()
     : m_forwards(qEnvironmentVariableIsSet("KAVRO_TEST_MESSAGES"))
 {
-    if (current.exchange(this))
+    std::unique_lock<std::mutex> lock(mutex);
+    const bool second = std::exchange(current, this);
+    lock.unlock();
+    if (second)
         qFatal("There is a message log already");
     m_previous = qInstallMessageHandler(handle);
 }
@@ -22,12 +29,13 @@ MessageLog::MessageLog()
 MessageLog::~MessageLog()
 {
     qInstallMessageHandler(m_previous);
+    const std::lock_guard<std::mutex> lock(mutex);
     current = nullptr;
 }
 
 QList<MessageLog::Message> MessageLog::messages() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     return m_messages;
 }
 
@@ -49,15 +57,21 @@ bool MessageLog::contains(const QString &text) const
 
 void MessageLog::clear()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     m_messages.clear();
 }
 
 void MessageLog::handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    MessageLog *log = current;
-    if (log->m_forwards || type == QtFatalMsg)
-        log->m_previous(type, context, text);
-    const QMutexLocker lock(&log->m_mutex);
-    log->m_messages += {type, text};
+    QtMessageHandler forwardTo = nullptr;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (current) {
+            current->m_messages += {type, text};
+            if (current->m_forwards || type == QtFatalMsg)
+                forwardTo = current->m_previous;
+        }
+    }
+    if (forwardTo)
+        forwardTo(type, context, text);
 }

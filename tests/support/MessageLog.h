@@ -4,7 +4,6 @@
 #pragma once
 
 #include <QList>
-#include <QMutex>
 #include <QStringList>
 #include <QtGlobal>
 
@@ -34,8 +33,7 @@ public:
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
 
-    mutable QMutex m_mutex;
     QList<Message> m_messages;
-    QtMessageHandler m_previous;
+    QtMessageHandler m_previous = nullptr;
     bool m_forwards;
 };

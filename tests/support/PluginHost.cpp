@@ -1,0 +1,140 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PluginHost.h"
+
+#include "shell/CStbApplication.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QPluginLoader>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWebFrame>
+#include <QWebView>
+
+namespace {
+
+// As in an installed tree, from the tests' own folder beside it.
+const char *const pluginFile = "/../lib/kavro/libkavrostbbrowser.so";
+
+constexpr int loadTimeout = 10000;
+
+void requireBox()
+{
+    if (!QDir("/pc").exists())
+        qFatal("This test works on the files of a box; run it by ctest, or as in-fresh-box PROGRAM");
+}
+
+QString manifestFile()
+{
+    return PluginHost::pluginDirectory() + "PluginManifest.xml";
+}
+
+bool finishedWell(QSignalSpy *loadFinished)
+{
+    if (loadFinished->isEmpty() && !loadFinished->wait(loadTimeout))
+        return false;
+    return loadFinished->last().at(0).toBool();
+}
+
+} // namespace
+
+QString PluginHost::pluginDirectory()
+{
+    return "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
+}
+
+void PluginHost::writeManifest(const PluginManifest &manifest)
+{
+    writeManifest(manifest.toXml());
+}
+
+void PluginHost::writeManifest(const QByteArray &text)
+{
+    requireBox();
+    QDir().mkpath(pluginDirectory());
+    QFile file(manifestFile());
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("Cannot write %s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
+}
+
+void PluginHost::removeManifest()
+{
+    requireBox();
+    QFile::remove(manifestFile());
+}
+
+PluginHost::PluginHost()
+{
+    requireBox();
+    QPluginLoader loader(QCoreApplication::applicationDirPath() + pluginFile);
+    auto *plugin = qobject_cast<StbInterface *>(loader.instance());
+    if (!plugin)
+        qFatal("The plugin cannot be loaded: %s", qPrintable(loader.errorString()));
+    m_application = static_cast<CStbApplication *>(plugin);
+}
+
+PluginHost::~PluginHost()
+{
+    destroy();
+}
+
+bool PluginHost::start()
+{
+    m_application->setFullPath(pluginDirectory());
+    return QTest::qWaitFor([this] { return browser() != nullptr; });
+}
+
+QWebView *PluginHost::browser() const
+{
+    const QList<QWebView *> views = m_application ? m_application->findChildren<QWebView *>() : QList<QWebView *>();
+    for (QWebView *view : views) {
+        if (qstrcmp(view->metaObject()->className(), "KavroStbBrowser") == 0)
+            return view;
+    }
+    return nullptr;
+}
+
+void PluginHost::destroy()
+{
+    delete m_application;
+}
+
+bool PluginHost::load(const QUrl &url)
+{
+    browser()->load(url);
+    // Made afterwards, because the end of a load that was still going on has just been told.
+    QSignalSpy loadFinished(browser(), SIGNAL(loadFinished(bool)));
+    return finishedWell(&loadFinished);
+}
+
+bool PluginHost::loadHtml(const QString &html, const QUrl &baseUrl)
+{
+    QSignalSpy loadFinished(browser(), SIGNAL(loadFinished(bool)));
+    browser()->setHtml(html, baseUrl);
+    return finishedWell(&loadFinished);
+}
+
+bool PluginHost::waitForLoad(int milliseconds)
+{
+    return QSignalSpy(browser(), SIGNAL(loadFinished(bool))).wait(milliseconds);
+}
+
+QVariant PluginHost::evaluate(const QString &script)
+{
+    return browser()->page()->mainFrame()->evaluateJavaScript(script);
+}
+
+QString PluginHost::evaluateToJson(const QString &script)
+{
+    const QString quoted = QJsonDocument(QJsonArray{script}).toJson(QJsonDocument::Compact);
+    return evaluate("(function () { try { var value = (0, eval)(" + quoted
+                    + "[0]);"
+                      "return typeof value === 'number' || value === undefined ? String(value) : JSON.stringify(value);"
+                      "} catch (error) { return 'throws ' + error; } })()")
+        .toString();
+}
