@@ -5,8 +5,8 @@
 
 #include <QObject>
 
-/// Event filter for the objects that a page sees: their inherited slot deleteLater, which a page can call like any other,
-/// has no effect on them. Their owners use delete.
+/// Event filter for the objects that a page sees: their inherited slot deleteLater, which a page can call like any
+/// other, has no effect on them. Their owners use delete.
 class DeleteGuard : public QObject
 {
 public:

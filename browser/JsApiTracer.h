@@ -22,12 +22,30 @@ public:
     static int debug_level;
 };
 
-inline QString traceText(const QString &text) { return text; }
-inline QString traceText(int number) { return QString::number(number); }
-inline QString traceText(unsigned int number) { return QString::number(number); }
-inline QString traceText(long long number) { return QString::number(number); }
-inline QString traceText(double number) { return QString::number(number, 'g', -1); }
-inline QString traceText(const QVariant &value) { return value.toString(); }
+inline QString traceText(const QString &text)
+{
+    return text;
+}
+inline QString traceText(int number)
+{
+    return QString::number(number);
+}
+inline QString traceText(unsigned int number)
+{
+    return QString::number(number);
+}
+inline QString traceText(long long number)
+{
+    return QString::number(number);
+}
+inline QString traceText(double number)
+{
+    return QString::number(number, 'g', -1);
+}
+inline QString traceText(const QVariant &value)
+{
+    return value.toString();
+}
 template <typename T>
 QString traceText(T *pointer) = delete;
 

@@ -46,7 +46,7 @@ const char debugFileDirectory[] = "/etc";
 const char debugFile[] = "/etc/stbjsapi_debug";
 const char pageDump[] = "/tmp/page.html";
 
-const int reloadDelay = 1000; // ms
+const int reloadDelay = 1000;       // ms
 const int noProgressTimeout = 5000; // ms
 const int failuresBeforeErrorPage = 6;
 
@@ -323,8 +323,7 @@ void KavroStbBrowser::evaluateEvent(int argument, int code)
 
     QWebFrame *frame = page()->mainFrame();
     frame->evaluateJavaScript(
-        QString::fromLatin1(
-            "if (typeof StbMedia.eventCallback != 'undefined') StbMedia.eventCallback(%1, %2);")
+        QString::fromLatin1("if (typeof StbMedia.eventCallback != 'undefined') StbMedia.eventCallback(%1, %2);")
             .arg(argument)
             .arg(code));
     if (!jsCallbackCode.isEmpty())

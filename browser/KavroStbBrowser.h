@@ -80,7 +80,7 @@ private:
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress
     QUrl errorPageUrl;
-    int retryCount; ///< failed loads so far; never reset
+    int retryCount;     ///< failed loads so far; never reset
     bool errorPageMode; ///< the error page has been asked for; never cleared
     QFileSystemWatcher *debugFileWatcher;
     QTime lastKeyTime; ///< of the last key press that reached the page

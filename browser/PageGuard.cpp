@@ -10,8 +10,8 @@ namespace {
 // that take a Date or an object; those parameters are guarded. What a guard passes on in place of an object is what the
 // slot would have made of it.
 //
-// The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the language
-// that they use are taken before the page's first script runs.
+// The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the
+// language that they use are taken before the page's first script runs.
 const char script[] = R"js(
 (function () {
     'use strict';

@@ -8,8 +8,8 @@
 #include <QSize>
 #include <QString>
 
-/// The plugin manifest, read from the plugin's directory, with the user's own manifest laid over it. The user's manifest
-/// holds the resolution that the user chose, and is the only one that is ever written.
+/// The plugin manifest, read from the plugin's directory, with the user's own manifest laid over it. The user's
+/// manifest holds the resolution that the user chose, and is the only one that is ever written.
 class PluginConfigParser
 {
 public:
@@ -28,7 +28,7 @@ public:
     /// Writes the user's manifest, with the resolution alone. Always true, even if nothing could be written.
     bool save();
 
-    bool valid; ///< both manifests were read without a parse error
+    bool valid;            ///< both manifests were read without a parse error
     QDomDocument document; ///< the manifest read last
     QDir pluginDir;
     QDir userDir;

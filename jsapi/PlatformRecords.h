@@ -27,7 +27,7 @@ struct Track
 struct TrackList
 {
     bool known; ///< false for an unknown player; the rest is then empty
-    int count; ///< as the platform told it, which may be less than 0
+    int count;  ///< as the platform told it, which may be less than 0
     QList<Track> tracks;
 };
 
@@ -39,7 +39,7 @@ TrackList trackList(TrackQuery query, int id);
 struct MulticastEvent
 {
     QString address; ///< "group:port"
-    QString state; ///< "join" or "leave"
+    QString state;   ///< "join" or "leave"
 };
 
 /// False for an unknown player.

@@ -13,8 +13,8 @@ class PageLog;
 
 namespace KavroJS {
 
-/// The script object StbDisplay: graphics layer, video layout, outputs, device, boot parameters, log, files and scripts.
-/// The order of the slots is part of what portals and the launcher see.
+/// The script object StbDisplay: graphics layer, video layout, outputs, device, boot parameters, log, files and
+/// scripts. The order of the slots is part of what portals and the launcher see.
 class StbDisplay : public QObject
 {
     Q_OBJECT

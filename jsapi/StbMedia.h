@@ -10,8 +10,8 @@
 
 namespace KavroJS {
 
-/// The script object StbMedia: players, tracks, sound, picture and player events. The order of the slots is part of what
-/// portals and the launcher see.
+/// The script object StbMedia: players, tracks, sound, picture and player events. The order of the slots is part of
+/// what portals and the launcher see.
 class StbMedia : public QObject
 {
     Q_OBJECT

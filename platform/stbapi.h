@@ -60,7 +60,8 @@ enum KVR_Error {
 };
 
 /* A rectangle in pixels, its origin at the top left. */
-typedef struct KVR_Rect {
+typedef struct KVR_Rect
+{
     int32_t x;
     int32_t y;
     int32_t width;
@@ -68,7 +69,8 @@ typedef struct KVR_Rect {
 } KVR_Rect;
 
 /* A colour, each component 0 to 255. Passed by value. */
-typedef struct KVR_Color {
+typedef struct KVR_Color
+{
     uint8_t red;
     uint8_t green;
     uint8_t blue;
@@ -76,7 +78,8 @@ typedef struct KVR_Color {
 } KVR_Color;
 
 /* A track of what a player plays. */
-typedef struct KVR_Track {
+typedef struct KVR_Track
+{
     int32_t id;        /* the PID that the Set...Pid functions take */
     char descr[128];   /* language and codec, or what else the stream tells; always NUL-terminated */
     int32_t supported; /* non-zero when this box can decode the track */
@@ -90,13 +93,15 @@ enum KVR_SubtitleEncoding {
 };
 
 /* The latest multicast join or leave of a player. */
-typedef struct KVR_MulticastEvent {
+typedef struct KVR_MulticastEvent
+{
     char ip_port[32]; /* "group:port", always NUL-terminated; empty when there was none yet */
     int32_t join;     /* non-zero for a join, zero for a leave */
 } KVR_MulticastEvent;
 
 /* A scheduled, running or finished recording. */
-typedef struct KVR_Record {
+typedef struct KVR_Record
+{
     KVR_ID id;
     int32_t reserved;
     char addr[128];   /* address of the source; always NUL-terminated, cut off when longer */
@@ -203,8 +208,8 @@ int KVR_GetPlayerState(KVR_ID id);
  * Plays a file of the box. position: where to begin. duration and fps: what is known of the file, 0 when unknown; a
  * library that finds out by itself ignores them. subtitles: path of a subtitle file, or an empty text.
  */
-int KVR_PlayFile(KVR_ID id, const char *path, long long position, long long duration, double fps,
-                 const char *subtitles, int videoPid, int audioPid, int subtitlePid);
+int KVR_PlayFile(KVR_ID id, const char *path, long long position, long long duration, double fps, const char *subtitles,
+                 int videoPid, int audioPid, int subtitlePid);
 
 /* Plays a live stream: udp://group:port, rtp://group:port, or another address that the library knows. */
 int KVR_PlayStream(KVR_ID id, const char *url, int videoPid, int audioPid, int subtitlePid);
@@ -216,8 +221,7 @@ int KVR_PlayStream(KVR_ID id, const char *url, int videoPid, int audioPid, int s
 int KVR_PlayHttp(KVR_ID id, const char *url, const char *options, int videoPid, int audioPid, int subtitlePid);
 
 /* Plays an RTSP stream from position. mode: 0 carries the media over UDP, 1 over TCP. */
-int KVR_PlayRtsp(KVR_ID id, const char *url, long long position, int mode, int videoPid, int audioPid,
-                 int subtitlePid);
+int KVR_PlayRtsp(KVR_ID id, const char *url, long long position, int mode, int videoPid, int audioPid, int subtitlePid);
 
 /*
  * Plays a file of a torrent while it is downloaded. magnet: the magnet link. name: the file inside the torrent; an

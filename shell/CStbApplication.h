@@ -8,7 +8,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-/// A plugin that is an application with a screen: the widget that the launcher shows, and how it presents it in its menu.
+/// A plugin that is an application with a screen: the widget that the launcher shows, and how it presents it in its
+/// menu.
 class CStbApplication : public QWidget, public StbInterface
 {
     Q_OBJECT

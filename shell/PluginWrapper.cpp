@@ -27,8 +27,8 @@ const char bigIcon[] = ":/images/kavrostbbrowser_b.png";
 const char smallIcon[] = ":/images/kavrostbbrowser_s.png";
 
 const QSize screenSize(1920, 1080);
-const int startDelay = 10; // ms
-const int splashDelay = 500; // ms
+const int startDelay = 10;        // ms
+const int splashDelay = 500;      // ms
 const int inspectorFontSize = 30; // pixels
 
 void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)

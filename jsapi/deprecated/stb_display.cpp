@@ -2,4 +2,3 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "jsapi/deprecated/stb_display.h"
-

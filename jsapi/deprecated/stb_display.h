@@ -13,7 +13,6 @@ class stb_display : public QObject
     Q_OBJECT
 
 public:
-
 };
 
 } // namespace KavroJSDeprecated
