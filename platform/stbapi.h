@@ -316,6 +316,7 @@ int KVR_GetPlayerViewPort(KVR_ID id, KVR_Rect *window);
 int KVR_SetPlayerAlphaLevel(KVR_ID id, int alpha);
 int KVR_GetPlayerAlphaLevel(KVR_ID id);
 
+/* Whether the player's window is shown. */
 int KVR_SetPlayerVisible(KVR_ID id, int visible);
 int KVR_IsPlayerVisible(KVR_ID id);
 
@@ -326,6 +327,7 @@ enum KVR_DisplayMode {
     KVR_DISPLAY_CROP = 2       /* undistorted, what sticks out is cut off */
 };
 
+/* How the picture is fitted into the player's window, an enum KVR_DisplayMode. */
 int KVR_SetPlayerDisplayMode(KVR_ID id, int mode);
 int KVR_GetPlayerDisplayMode(KVR_ID id);
 
@@ -341,6 +343,7 @@ int KVR_SetResolution(int width, int height);
 int KVR_SetGraphicsViewport(const KVR_Rect *viewport);
 int KVR_GetGraphicsViewport(KVR_Rect *viewport);
 
+/* Whether the graphics layer is shown. */
 int KVR_SetGraphicsVisible(int visible);
 int KVR_IsGraphicsVisible(void);
 
@@ -382,6 +385,7 @@ enum KVR_HdmiState {
     KVR_HDMI_ACTIVE = 2
 };
 
+/* The state of the HDMI output, an enum KVR_HdmiState. */
 int KVR_GetHdmiState(void);
 
 /* ---- Device and boot parameters ---- */

@@ -1,0 +1,123 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+QByteArrayList sorted(QByteArrayList names)
+{
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace
+
+// The contract's header as a box maker gets it, and the two libraries that fulfil it here.
+class TestStbApiHeader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void itCompilesAloneWithoutAWarning_data();
+    void itCompilesAloneWithoutAWarning();
+    void everyFunctionHasACommentAboveItOrItsGroup();
+    void librariesOfferExactlyItsFunctions_data();
+    void librariesOfferExactlyItsFunctions();
+
+private:
+    QByteArray m_header;
+    QByteArrayList m_functions;
+};
+
+void TestStbApiHeader::initTestCase()
+{
+    QFile file(STBAPI_HEADER);
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
+    m_header = file.readAll();
+
+    QString code = m_header;
+    code.remove(QRegularExpression("/\\*.*?\\*/", QRegularExpression::DotMatchesEverythingOption));
+    auto matches = QRegularExpression("\\b(KVR_\\w+)\\(").globalMatch(code);
+    while (matches.hasNext())
+        m_functions += matches.next().captured(1).toUtf8();
+    QVERIFY(m_functions.size() > 1);
+}
+
+void TestStbApiHeader::itCompilesAloneWithoutAWarning_data()
+{
+    QTest::addColumn<QString>("compiler");
+    QTest::addColumn<QStringList>("language");
+
+    QTest::newRow("C11") << C_COMPILER << QStringList{"-x", "c", "-std=c11"};
+    QTest::newRow("C++11") << CXX_COMPILER << QStringList{"-x", "c++", "-std=c++11"};
+    QTest::newRow("C++17") << CXX_COMPILER << QStringList{"-x", "c++", "-std=c++17"};
+}
+
+void TestStbApiHeader::itCompilesAloneWithoutAWarning()
+{
+    QFETCH(const QString, compiler);
+    QFETCH(const QStringList, language);
+
+    const QTemporaryDir directory;
+    QFile source(directory.filePath("alone"));
+    QVERIFY(source.open(QIODevice::WriteOnly));
+    source.write("#include \"" STBAPI_HEADER "\"\nint use(KVR_Track *track);\n");
+    source.close();
+
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(compiler,
+                  language
+                      + QStringList{"-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only", source.fileName()});
+    QVERIFY2(process.waitForFinished(), qPrintable(process.errorString()));
+    QVERIFY2(process.exitCode() == 0, process.readAll());
+}
+
+void TestStbApiHeader::everyFunctionHasACommentAboveItOrItsGroup()
+{
+    // A group is a run of lines without an empty one.
+    const QString text = m_header;
+    const QRegularExpression emptyLines("\n\\s*\n");
+    QByteArrayList undocumented;
+    for (const QString &group : text.split(emptyLines)) {
+        const int function =
+            group.indexOf(QRegularExpression("^[\\w *]*\\bKVR_\\w+\\(", QRegularExpression::MultilineOption));
+        if (function >= 0 && !group.trimmed().startsWith("/*"))
+            undocumented += group.mid(function).toUtf8();
+    }
+    QVERIFY2(undocumented.isEmpty(), undocumented.join(", "));
+}
+
+void TestStbApiHeader::librariesOfferExactlyItsFunctions_data()
+{
+    QTest::addColumn<QString>("library");
+
+    QTest::newRow("recording platform") << RECORDING_LIBRARY;
+    QTest::newRow("desk platform") << DESK_LIBRARY;
+}
+
+void TestStbApiHeader::librariesOfferExactlyItsFunctions()
+{
+    QFETCH(const QString, library);
+
+    QProcess nm;
+    nm.start("nm", {"--dynamic", "--defined-only", "--format=just-symbols", library});
+    QVERIFY2(nm.waitForFinished(), qPrintable(nm.errorString()));
+    QVERIFY2(nm.exitCode() == 0, nm.readAllStandardError());
+    QByteArrayList offered;
+    for (const QByteArray &name : nm.readAllStandardOutput().split('\n')) {
+        if (name.startsWith("KVR_"))
+            offered += name;
+    }
+    QCOMPARE(sorted(offered), sorted(m_functions));
+}
+
+QTEST_APPLESS_MAIN(TestStbApiHeader)
+
+#include "tst_stbapiheader.moc"
