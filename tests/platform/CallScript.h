@@ -12,7 +12,8 @@
 #include <optional>
 
 /// The log of calls, and the answers that the test wants to them.
-class CallScript {
+class CallScript
+{
 public:
     using Answer = RecordingPlatform::Answer;
     using Action = std::function<void()>;

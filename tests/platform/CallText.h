@@ -11,7 +11,8 @@
 namespace CallText {
 
 /// An array with its length, which are one thing in the log.
-struct IntArray {
+struct IntArray
+{
     const int *items;
     int count;
 };

@@ -6,7 +6,8 @@
 namespace {
 
 // Lets threads go on together as soon as all of them have come.
-class Barrier {
+class Barrier
+{
 public:
     explicit Barrier(int threads)
         : m_missing(threads)

@@ -14,7 +14,8 @@
 #include <vector>
 
 /// The handlers that the program registered, and the threads that send events to them.
-class EventSource {
+class EventSource
+{
 public:
     using Event = RecordingPlatform::Event;
 

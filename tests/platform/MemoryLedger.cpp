@@ -30,7 +30,8 @@ std::atomic<std::uintptr_t> highest{0};
 // The ledger's own containers allocate and free too, with its lock held.
 thread_local bool busy = false;
 
-struct Busy {
+struct Busy
+{
     Busy() { busy = true; }
     ~Busy() { busy = false; }
 };

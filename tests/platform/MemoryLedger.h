@@ -11,7 +11,8 @@
 
 /// Keeps account of the memory that the library hands out. It sees each free of the process: through the function free
 /// that the library defines, or under the address sanitizer, whose own comes first, through a hook of the sanitizer.
-class MemoryLedger {
+class MemoryLedger
+{
 public:
     /// Lives as long as the process, because memory is freed until its very end.
     static MemoryLedger &instance();
@@ -30,7 +31,8 @@ public:
     static void noteReuse(const volatile void *address);
 
 private:
-    struct Block {
+    struct Block
+    {
         void *address;
         const char *function;
         bool libraryOwned;

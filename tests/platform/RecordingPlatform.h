@@ -18,13 +18,14 @@ namespace RecordingPlatform __attribute__((visibility("default")))
 
     /// What a KVR_... function gives back: its result and, when it has an out-pointer, what it stores there. An answer
     /// made from a number alone leaves the out-pointers as they are.
-    struct Answer {
+    struct Answer
+    {
         enum Output { Untouched, Text, Array, NullArray, Bytes };
 
         Answer() = default;
-        Answer(int result); // NOLINT(google-explicit-constructor): a row of a table says -7 and means it
+        Answer(int result);       // NOLINT(google-explicit-constructor): a row of a table says -7 and means it
         Answer(long long result); // NOLINT(google-explicit-constructor)
-        Answer(double result); // NOLINT(google-explicit-constructor)
+        Answer(double result);    // NOLINT(google-explicit-constructor)
 
         /// A text in memory of its own; for KVR_GetRecordFilename in the library's.
         static Answer text(const QByteArray &text, int result = KVR_OK);
@@ -46,9 +47,9 @@ namespace RecordingPlatform __attribute__((visibility("default")))
         long long integer = KVR_OK;
         std::optional<double> real; ///< what a function of type double returns; the integer when there is none
         Output output = Untouched;
-        QByteArray data; ///< what is stored, as bytes
+        QByteArray data;  ///< what is stored, as bytes
         int itemSize = 0; ///< of Array; of Bytes, how many the caller has room for
-        int count = 0; ///< of Array and NullArray, as told to the caller
+        int count = 0;    ///< of Array and NullArray, as told to the caller
 
     private:
         static Answer bytes(Output output, const void *data, int size, int itemSize, int result, int count);
@@ -77,7 +78,8 @@ namespace RecordingPlatform __attribute__((visibility("default")))
     void onCall(const char *function, const std::function<void()> &action);
 
     /// An event of the platform. KVR_EVENT_RECORDS of KVR_BOX goes to the handler of KVR_SetRecordsSharedCallback.
-    struct Event {
+    struct Event
+    {
         KVR_ID id;
         int type;
         int argument;

@@ -11,27 +11,30 @@
 
 /// A web server on 127.0.0.1 for one test, in the test's own thread, that can also fail in all the ways that matter to
 /// a browser. Every connection carries one request.
-class HttpServer : public QObject {
+class HttpServer : public QObject
+{
     Q_OBJECT
 
 public:
     using Headers = QList<QPair<QByteArray, QByteArray>>;
 
-    struct Request {
+    struct Request
+    {
         QByteArray method;
-        QByteArray path; ///< with the query, as it came
+        QByteArray path;                       ///< with the query, as it came
         QHash<QByteArray, QByteArray> headers; ///< names in lower case
         QByteArray body;
         qint64 time; ///< milliseconds since the server was made
     };
 
-    struct Page {
+    struct Page
+    {
         QByteArray body;
         QByteArray contentType = "text/html; charset=utf-8";
         int status = 200;
         Headers headers = {}; ///< besides those for type, length and connection
-        int pause = 0; ///< milliseconds after each byte of the body; 0 sends all at once
-        int stallAt = -1; ///< number of bytes of the body after which nothing more comes; -1 sends all
+        int pause = 0;        ///< milliseconds after each byte of the body; 0 sends all at once
+        int stallAt = -1;     ///< number of bytes of the body after which nothing more comes; -1 sends all
         bool answered = true; ///< false takes the request and never answers
     };
 

@@ -9,9 +9,11 @@
 
 /// Collects what is written to Qt's message log, by any thread, for as long as it lives. One at a time. With
 /// KAVRO_TEST_MESSAGES set in the environment, messages appear on standard error as well.
-class MessageLog {
+class MessageLog
+{
 public:
-    struct Message {
+    struct Message
+    {
         QtMsgType type;
         QString text;
     };

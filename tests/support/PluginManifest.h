@@ -9,7 +9,8 @@
 #include <optional>
 
 /// The fields of a PluginManifest.xml for a test, in which a null text leaves the element out.
-struct PluginManifest {
+struct PluginManifest
+{
     QString homePage = "about:blank";
     QString errorPage;
     QSize resolution = {1280, 720}; ///< a null size leaves it out

@@ -14,7 +14,8 @@ class QWebView;
 
 /// The launcher of a test: loads the plugin, starts it in the test's box and hands its browser over. Ends the program
 /// with a message outside a box, where the plugin would work on the developer's own files.
-class PluginHost {
+class HostedPlugin
+{
 public:
     /// The plugin's directory in the box.
     static QString pluginDirectory();
@@ -24,10 +25,10 @@ public:
     static void removeManifest();
 
     /// Loads the plugin, which starts nothing yet.
-    PluginHost();
-    ~PluginHost();
-    PluginHost(const PluginHost &) = delete;
-    PluginHost &operator=(const PluginHost &) = delete;
+    HostedPlugin();
+    ~HostedPlugin();
+    HostedPlugin(const HostedPlugin &) = delete;
+    HostedPlugin &operator=(const HostedPlugin &) = delete;
 
     /// Null after destroy().
     CStbApplication *application() const { return m_application; }

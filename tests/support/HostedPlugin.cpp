@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "PluginHost.h"
+#include "HostedPlugin.h"
 
 #include "shell/CStbApplication.h"
 
@@ -31,7 +31,7 @@ void requireBox()
 
 QString manifestFile()
 {
-    return PluginHost::pluginDirectory() + "PluginManifest.xml";
+    return HostedPlugin::pluginDirectory() + "PluginManifest.xml";
 }
 
 bool finishedWell(QSignalSpy *loadFinished)
@@ -43,17 +43,17 @@ bool finishedWell(QSignalSpy *loadFinished)
 
 } // namespace
 
-QString PluginHost::pluginDirectory()
+QString HostedPlugin::pluginDirectory()
 {
     return "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
 }
 
-void PluginHost::writeManifest(const PluginManifest &manifest)
+void HostedPlugin::writeManifest(const PluginManifest &manifest)
 {
     writeManifest(manifest.toXml());
 }
 
-void PluginHost::writeManifest(const QByteArray &text)
+void HostedPlugin::writeManifest(const QByteArray &text)
 {
     requireBox();
     QDir().mkpath(pluginDirectory());
@@ -62,13 +62,13 @@ void PluginHost::writeManifest(const QByteArray &text)
         qFatal("Cannot write %s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
 }
 
-void PluginHost::removeManifest()
+void HostedPlugin::removeManifest()
 {
     requireBox();
     QFile::remove(manifestFile());
 }
 
-PluginHost::PluginHost()
+HostedPlugin::HostedPlugin()
 {
     requireBox();
     QPluginLoader loader(QCoreApplication::applicationDirPath() + pluginFile);
@@ -78,18 +78,18 @@ PluginHost::PluginHost()
     m_application = static_cast<CStbApplication *>(plugin);
 }
 
-PluginHost::~PluginHost()
+HostedPlugin::~HostedPlugin()
 {
     destroy();
 }
 
-bool PluginHost::start()
+bool HostedPlugin::start()
 {
     m_application->setFullPath(pluginDirectory());
     return QTest::qWaitFor([this] { return browser() != nullptr; });
 }
 
-QWebView *PluginHost::browser() const
+QWebView *HostedPlugin::browser() const
 {
     const QList<QWebView *> views = m_application ? m_application->findChildren<QWebView *>() : QList<QWebView *>();
     for (QWebView *view : views) {
@@ -99,12 +99,12 @@ QWebView *PluginHost::browser() const
     return nullptr;
 }
 
-void PluginHost::destroy()
+void HostedPlugin::destroy()
 {
     delete m_application;
 }
 
-bool PluginHost::load(const QUrl &url)
+bool HostedPlugin::load(const QUrl &url)
 {
     browser()->load(url);
     // Made afterwards, because the end of a load that was still going on has just been told.
@@ -112,24 +112,24 @@ bool PluginHost::load(const QUrl &url)
     return finishedWell(&loadFinished);
 }
 
-bool PluginHost::loadHtml(const QString &html, const QUrl &baseUrl)
+bool HostedPlugin::loadHtml(const QString &html, const QUrl &baseUrl)
 {
     QSignalSpy loadFinished(browser(), SIGNAL(loadFinished(bool)));
     browser()->setHtml(html, baseUrl);
     return finishedWell(&loadFinished);
 }
 
-bool PluginHost::waitForLoad(int milliseconds)
+bool HostedPlugin::waitForLoad(int milliseconds)
 {
     return QSignalSpy(browser(), SIGNAL(loadFinished(bool))).wait(milliseconds);
 }
 
-QVariant PluginHost::evaluate(const QString &script)
+QVariant HostedPlugin::evaluate(const QString &script)
 {
     return browser()->page()->mainFrame()->evaluateJavaScript(script);
 }
 
-QString PluginHost::evaluateToJson(const QString &script)
+QString HostedPlugin::evaluateToJson(const QString &script)
 {
     const QString quoted = QJsonDocument(QJsonArray{script}).toJson(QJsonDocument::Compact);
     return evaluate("(function () { try { var value = (0, eval)(" + quoted
