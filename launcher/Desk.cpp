@@ -1,0 +1,151 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Desk.h"
+
+#include "ExitStatus.h"
+#include "Manifest.h"
+#include "Places.h"
+#include "RemoteControl.h"
+#include "Report.h"
+#include "TraceLevel.h"
+#include "platform/desktop/DeskBox.h"
+#include "shell/CStbApplication.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <csignal>
+
+namespace {
+
+const int longestWaitForPage = 10000; // ms, before the keys start without one
+const QSize inspectorSize(1280, 720);
+
+} // namespace
+
+Desk::Desk(const Options &options)
+    : m_options(options)
+    , m_signals({SIGINT, SIGTERM, SIGHUP})
+    , m_screen(std::make_unique<Screen>())
+    , m_keys(*KeyScript::parse(options.keys, nullptr))
+{
+    DeskBox::setDeviceModel(options.model.toStdString());
+}
+
+Desk::~Desk() = default;
+
+int Desk::run()
+{
+    connectParts();
+    prepareBox();
+    QString error;
+    if (!m_plugin.load(Places::plugin(), &error)) {
+        report(error);
+        return ExitStatus::NoPlugin;
+    }
+    showWindow();
+    startPlugin();
+    const int status = QApplication::exec();
+    m_plugin.destroy();
+    return status;
+}
+
+Options Desk::optionsAfterRestart() const
+{
+    Options options = m_options;
+    options.keys = m_keys.remaining();
+    if (options.exitAfter)
+        options.exitAfter = qMax(*options.exitAfter - double(m_sinceStart.elapsed()) / 1000, 0.0);
+    return options;
+}
+
+void Desk::prepareBox() const
+{
+    if (m_options.trace && !TraceLevel::switchOn())
+        report(QString("%1 cannot be written, so nothing is traced").arg(Places::traceLevel));
+    const QString error = Manifest::setHomePage(Places::manifest, m_options.page, m_options.portal);
+    if (!error.isEmpty())
+        report(error + "; the plugin is started with it as it is");
+}
+
+void Desk::connectParts()
+{
+    connect(&m_signals, &UnixSignals::received, this, &Desk::handleSignal);
+    connect(&m_plugin, &PluginHost::finished, this, [this] { leave(ExitStatus::Done); });
+    connect(&m_plugin, &PluginHost::started, this, &Desk::showInspector);
+    connect(&m_plugin, &PluginHost::pageLoaded, &m_keys, &KeyScript::start);
+    connect(&m_keys, &KeyScript::pressed, this, [this](const Key &key) { m_window->press(key); });
+}
+
+void Desk::showWindow()
+{
+    m_screen->setPlugin(m_plugin.application());
+    m_window = std::make_unique<ScreenWindow>(m_screen.get(), m_options.size);
+    connect(m_window.get(), &ScreenWindow::closed, this, [this] { leave(ExitStatus::Done); });
+    m_window->show();
+    m_window->activateWindow();
+    if (m_options.remote)
+        showRemoteControl();
+}
+
+void Desk::startPlugin()
+{
+    m_sinceStart.start();
+    m_plugin.start(Places::pluginDirectory);
+    // Only now does the plugin know its manifest, where its name is.
+    m_window->setWindowTitle(m_plugin.application()->appName());
+    m_window->setWindowIcon(QIcon(m_plugin.application()->appLogo()));
+
+    QTimer::singleShot(longestWaitForPage, &m_keys, &KeyScript::start);
+    if (m_options.exitAfter)
+        QTimer::singleShot(qRound(*m_options.exitAfter * 1000), this, [this] { leave(ExitStatus::Done); });
+}
+
+void Desk::showRemoteControl()
+{
+    m_remote = std::make_unique<RemoteControl>();
+    connect(m_remote.get(), &RemoteControl::pressed, m_window.get(), &ScreenWindow::press);
+    m_remote->show();
+}
+
+void Desk::showInspector() const
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (m_options.inspector && window->inherits("QWebInspector")) {
+            window->resize(inspectorSize);
+            window->show();
+        }
+    }
+}
+
+void Desk::handleSignal(int signalNumber)
+{
+    leave(signalNumber == SIGHUP ? restart : int(ExitStatus::Done));
+}
+
+// The plugin is destroyed when all event loops have ended: a dialog of its own may be in one.
+void Desk::leave(int status)
+{
+    if (m_left)
+        return;
+    const bool isSaved = status == restart || saveScreenshot();
+    m_left = true;
+    QApplication::exit(isSaved ? status : int(ExitStatus::Failed));
+}
+
+bool Desk::saveScreenshot()
+{
+    if (m_options.screenshot.isEmpty() || m_screen->picture().save(m_options.screenshot, "PNG"))
+        return true;
+    report(QString("the screenshot %1 cannot be written; free some space or choose another file")
+               .arg(m_options.screenshot));
+    return false;
+}
+
+void Desk::saveLastScreenshot()
+{
+    if (!m_left)
+        saveScreenshot();
+}

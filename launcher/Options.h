@@ -1,0 +1,35 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// The command line of kavro-box, of the process that the user starts and of the one that it starts inside the box.
+struct Options
+{
+    QString box; ///< absolute path of the box directory
+    bool headless = false;
+    QString screenshot;              ///< absolute path of the picture's file; empty without
+    std::optional<double> exitAfter; ///< seconds after the plugin's start
+    QString keys;
+    QString model;
+    bool trace = false;
+    QSize size; ///< of the window; empty without
+    bool remote = false;
+    bool inspector = false;
+    QString page;   ///< outside, the argument as given; inside, the address to open; empty without
+    QString portal; ///< inside, the address of the demonstration portal
+
+    /// Reads the application's command line. --help and wrong usage end the program.
+    static Options fromCommandLine();
+    /// The command line for the process inside the box.
+    QStringList forInside() const;
+};
+
+/// First argument of the process inside the box.
+constexpr char insideArgument[] = "--inside";

@@ -1,0 +1,56 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Page.h"
+
+#include "BoxDirectory.h"
+#include "Places.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+namespace {
+
+const char portalPage[] = "index.html";
+
+// "localhost:8080" has a scheme too, by the letter.
+bool isAddress(const QString &argument)
+{
+    static const QStringList schemes = {"http", "https", "file", "about", "data"};
+    const QUrl url(argument);
+    const QString scheme = url.scheme();
+    const bool needsHost = scheme.startsWith("http");
+    return url.isValid() && schemes.contains(scheme) && (!needsHost || !url.host().isEmpty());
+}
+
+} // namespace
+
+bool Page::setArgument(const QString &argument, QString *error)
+{
+    const QFileInfo file(argument);
+    if (argument.isEmpty()) {
+        m_folder = Places::portal();
+    } else if (file.isFile() && file.isReadable()) {
+        m_folder = file.absolutePath();
+        m_file = file.fileName();
+    } else if (isAddress(argument)) {
+        m_address = argument;
+    } else {
+        *error = QString("\"%1\" is neither the address of a page, as http://host/, nor a file").arg(argument);
+        return false;
+    }
+    return true;
+}
+
+bool Page::serve(const BoxDirectory &box)
+{
+    if (m_folder.isEmpty())
+        return true;
+    if (!m_server.start(m_folder, box.port()))
+        return false;
+    if (m_file.isEmpty())
+        m_portalAddress = m_server.address(portalPage).toString(QUrl::FullyEncoded);
+    else
+        m_address = m_server.address(m_file).toString(QUrl::FullyEncoded);
+    return true;
+}

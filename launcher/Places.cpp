@@ -1,0 +1,43 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Places.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+// All of them lie at the same places relative to each other in a build tree and installed.
+QString installed(const char *path)
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../" + path);
+}
+
+} // namespace
+
+QString Places::inBox()
+{
+    return installed("libexec/kavro/in-box");
+}
+
+QString Places::plugin()
+{
+    return installed("lib/kavro/libkavrostbbrowser.so");
+}
+
+QString Places::portal()
+{
+    return installed("share/kavro/portal");
+}
+
+QString Places::seenInside(const QString &absolutePath)
+{
+    return "/pc" + absolutePath;
+}
+
+bool Places::isInside()
+{
+    return QFile::exists("/box/bin/reboot");
+}

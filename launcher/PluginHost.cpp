@@ -1,0 +1,60 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PluginHost.h"
+
+#include "shell/CStbApplication.h"
+
+#include <QChildEvent>
+#include <QJsonObject>
+#include <QPluginLoader>
+
+PluginHost::~PluginHost()
+{
+    destroy();
+}
+
+bool PluginHost::load(const QString &file, QString *error)
+{
+    QPluginLoader loader(file);
+    m_instance = loader.instance();
+    if (!m_instance) {
+        *error = QString("the plugin cannot be loaded (%1)").arg(loader.errorString());
+        return false;
+    }
+    // By name, since the plugin keeps its meta-objects to itself.
+    if (loader.metaData().value("IID").toString() == KAVRO_STB_INTERFACE_ID)
+        m_application = static_cast<CStbApplication *>(m_instance->qt_metacast("CStbApplication"));
+    if (!m_application) {
+        *error = QString("%1 is not a plugin for %2").arg(file, KAVRO_STB_INTERFACE_ID);
+        delete m_instance;
+        return false;
+    }
+    connect(m_instance, SIGNAL(exit()), this, SIGNAL(finished()), Qt::QueuedConnection);
+    m_instance->installEventFilter(this);
+    return true;
+}
+
+void PluginHost::start(const QString &directory)
+{
+    m_application->setFullPath(directory);
+}
+
+void PluginHost::destroy()
+{
+    m_application = nullptr;
+    delete m_instance;
+}
+
+bool PluginHost::eventFilter(QObject *object, QEvent *event)
+{
+    // Before this event the child is not what it is going to be.
+    if (object == m_instance && event->type() == QEvent::ChildPolished) {
+        QObject *child = static_cast<QChildEvent *>(event)->child();
+        if (child->inherits("QWebView")) {
+            connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
+            QMetaObject::invokeMethod(this, &PluginHost::started, Qt::QueuedConnection);
+        }
+    }
+    return QObject::eventFilter(object, event);
+}

@@ -1,0 +1,43 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class CStbApplication;
+
+/// The launcher's side of the plugin's interface: loads the plugin, starts it, learns that it has finished, destroys
+/// it.
+class PluginHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    PluginHost() = default;
+    ~PluginHost() override;
+
+    /// False, and the reason in *error, if the file is no such plugin.
+    bool load(const QString &file, QString *error);
+    /// The loaded plugin, null when it is destroyed.
+    CStbApplication *application() const { return m_application; }
+    /// Tells the plugin where it is, which starts it.
+    void start(const QString &directory);
+    void destroy();
+
+signals:
+    /// The plugin wants to be left. Sent from the event loop, so that it can be destroyed at once.
+    void finished();
+    /// The plugin has set itself up, and begins to load its first page.
+    void started();
+    /// A page is there, or has failed.
+    void pageLoaded();
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    QPointer<QObject> m_instance;
+    CStbApplication *m_application = nullptr;
+};

@@ -1,0 +1,100 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Screen.h"
+
+#include "ChromaKeyEffect.h"
+#include "PlayerItem.h"
+
+#include <QGraphicsProxyWidget>
+#include <QPainter>
+#include <QPixmapCache>
+
+namespace {
+
+const int cacheLimit = 64 * 1024; // KB; the layer's picture takes 8100, more than Qt allows by itself
+const qreal layerHeight = 1;      // players are at 0
+
+} // namespace
+
+Screen::Screen()
+    : QGraphicsScene(0, 0, screenWidth, screenHeight)
+{
+    QPixmapCache::setCacheLimit(cacheLimit);
+    setBackgroundBrush(Qt::black);
+    setItemIndexMethod(NoIndex);
+
+    m_layer.setPen(Qt::NoPen);
+    m_layer.setFlag(QGraphicsItem::ItemClipsChildrenToShape);
+    m_layer.setZValue(layerHeight);
+    addItem(&m_layer);
+
+    DeskBox::setScreenHandler([this] { scheduleUpdate(); });
+    updateItems();
+}
+
+Screen::~Screen()
+{
+    DeskBox::setScreenHandler({});
+}
+
+void Screen::setPlugin(QWidget *widget)
+{
+    m_chromaKey = new ChromaKeyEffect;
+    m_proxy = new QGraphicsProxyWidget(&m_layer);
+    // A cache of the layer's own pixels: video does not repaint the page, and scaling and opacity treat it as a whole.
+    m_proxy->setCacheMode(QGraphicsItem::ItemCoordinateCache);
+    m_proxy->setGraphicsEffect(m_chromaKey);
+    m_proxy->setWidget(widget);
+    m_proxy->setFocus();
+    updateLayer();
+}
+
+QImage Screen::picture()
+{
+    updateItems();
+    QImage image(screenWidth, screenHeight, QImage::Format_RGB32);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    render(&painter, image.rect(), image.rect());
+    return image;
+}
+
+// On any thread. What happens before the event loop comes to it is one update.
+void Screen::scheduleUpdate()
+{
+    if (!m_updateScheduled.exchange(true))
+        QMetaObject::invokeMethod(this, &Screen::updateItems, Qt::QueuedConnection);
+}
+
+void Screen::updateItems()
+{
+    m_updateScheduled = false;
+    updatePlayers();
+    updateLayer();
+}
+
+void Screen::updatePlayers()
+{
+    const std::vector<DeskBox::PlayerWindow> windows = DeskBox::playerWindows();
+    m_players.resize(qMin(m_players.size(), windows.size()));
+    while (m_players.size() < windows.size()) {
+        m_players.push_back(std::make_unique<PlayerItem>());
+        addItem(m_players.back().get());
+    }
+    for (size_t i = 0; i < windows.size(); ++i)
+        m_players[i]->setWindow(windows[i]);
+}
+
+void Screen::updateLayer()
+{
+    const DeskBox::GraphicsLayer layer = DeskBox::graphicsLayer();
+    m_layer.setTransform(QTransform::fromScale(qreal(screenWidth) / layer.width, qreal(screenHeight) / layer.height));
+    m_layer.setRect(layer.viewport.x, layer.viewport.y, layer.viewport.width, layer.viewport.height);
+    // Not hidden, since a hidden page would stop and lose the focus; the page does not know of the layer.
+    m_layer.setOpacity(layer.visible ? layer.alpha / 255.0 : 0);
+    if (!m_chromaKey)
+        return;
+    m_chromaKey->setColor(qRgb(layer.chromaKey.red, layer.chromaKey.green, layer.chromaKey.blue));
+    m_chromaKey->setEnabled(layer.chromaKeyEnabled);
+}

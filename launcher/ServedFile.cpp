@@ -1,0 +1,101 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "ServedFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Texts carry no charset, so that a page's own declaration counts.
+const char *contentTypeOf(const QString &fileName)
+{
+    static const QHash<QString, const char *> types = {
+        {"css", "text/css"},
+        {"gif", "image/gif"},
+        {"htm", "text/html"},
+        {"html", "text/html"},
+        {"ico", "image/x-icon"},
+        {"jpeg", "image/jpeg"},
+        {"jpg", "image/jpeg"},
+        {"js", "application/javascript"},
+        {"json", "application/json"},
+        {"m3u8", "application/vnd.apple.mpegurl"},
+        {"mp3", "audio/mpeg"},
+        {"mp4", "video/mp4"},
+        {"otf", "font/otf"},
+        {"png", "image/png"},
+        {"svg", "image/svg+xml"},
+        {"ts", "video/mp2t"},
+        {"ttf", "font/ttf"},
+        {"txt", "text/plain"},
+        {"vtt", "text/vtt"},
+        {"webm", "video/webm"},
+        {"woff", "font/woff"},
+        {"woff2", "font/woff2"},
+        {"xhtml", "application/xhtml+xml"},
+        {"xml", "text/xml"},
+    };
+    return types.value(QFileInfo(fileName).suffix().toLower(), "application/octet-stream");
+}
+
+} // namespace
+
+ServedFile::ServedFile(const QString &root, const QString &path)
+{
+    QFileInfo file(root + '/' + path);
+    if (file.isDir())
+        file.setFile(file.filePath() + "/index.html");
+    const QString name = file.canonicalFilePath();
+    const QString inside = root.endsWith('/') ? root : root + '/';
+    if (!name.startsWith(inside))
+        return;
+    const int descriptor = open(QFile::encodeName(name).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status;
+    if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))) {
+        close(descriptor);
+        return;
+    }
+    m_descriptor = descriptor;
+    m_size = descriptor >= 0 ? status.st_size : 0;
+    m_contentType = contentTypeOf(name);
+}
+
+ServedFile::~ServedFile()
+{
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+int ServedFile::takeDescriptor()
+{
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    return descriptor;
+}
+
+ByteRange ByteRange::fromHeader(const char *header, qint64 size)
+{
+    static const QRegularExpression form("^\\s*bytes\\s*=\\s*(\\d{0,18})-(\\d{0,18})\\s*$");
+    const QRegularExpressionMatch match = form.match(QString::fromLatin1(header));
+    const ByteRange whole = {Whole, 0, size - 1};
+    if (!match.hasMatch())
+        return whole;
+    const QString from = match.captured(1);
+    const QString to = match.captured(2);
+    if (from.isEmpty() && to.isEmpty())
+        return whole;
+    if (from.isEmpty()) // the last bytes
+        return {size > 0 && to.toLongLong() > 0 ? Part : Outside, qMax(size - to.toLongLong(), 0LL), size - 1};
+    const qint64 first = from.toLongLong();
+    if (!to.isEmpty() && to.toLongLong() < first)
+        return whole;
+    return {first < size ? Part : Outside, first, to.isEmpty() ? size - 1 : qMin(to.toLongLong(), size - 1)};
+}

@@ -1,0 +1,86 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "Supervisor.h"
+
+#include "ExitStatus.h"
+#include "Places.h"
+#include "Report.h"
+#include "UnixSignals.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <csignal>
+
+#include <unistd.h>
+
+namespace {
+
+const int timeBetweenSignals = 200; // ms
+const int inBoxFailed = 125;
+
+} // namespace
+
+void Supervisor::Process::setupChildProcess()
+{
+    // Signals of the terminal reach this process alone, which passes them on. The programs between it and the one
+    // inside live until that one has ended, which sets handlers of its own.
+    setpgid(0, 0);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signalNumber, SIG_IGN);
+}
+
+Supervisor::Supervisor()
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process.setStandardInputFile(QProcess::nullDevice());
+}
+
+int Supervisor::run(const QString &boxDirectory, const QStringList &argumentsInside)
+{
+    UnixSignals signalsHere({SIGINT, SIGTERM, SIGHUP});
+    connect(&signalsHere, &UnixSignals::received, this, &Supervisor::end);
+
+    QEventLoop untilFinished;
+    connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &untilFinished, &QEventLoop::quit);
+    m_process.start(Places::inBox(),
+                    QStringList{boxDirectory, "--", QCoreApplication::applicationFilePath()} + argumentsInside);
+    if (!m_process.waitForStarted()) {
+        report(QString("%1 cannot be started (%2); install the desk box again")
+                   .arg(Places::inBox(), m_process.errorString()));
+        return ExitStatus::NoBox;
+    }
+    if (m_process.state() != QProcess::NotRunning)
+        untilFinished.exec();
+
+    if (m_process.exitStatus() == QProcess::CrashExit)
+        return 128 + m_process.exitCode();
+    if (m_process.exitCode() == inBoxFailed)
+        return ExitStatus::NoBox;
+    if (m_process.exitCode() > 128)
+        report(QString("the box was ended by signal %1").arg(m_process.exitCode() - 128));
+    return m_process.exitCode();
+}
+
+void Supervisor::end()
+{
+    if (m_ending) {
+        signalBox(SIGKILL); // asked for twice
+        return;
+    }
+    m_ending = true;
+    // Again and again, because a box that is just starting does not take note yet.
+    auto *repeat = new QTimer(&m_process);
+    connect(repeat, &QTimer::timeout, this, [this] { signalBox(SIGTERM); });
+    repeat->start(timeBetweenSignals);
+    signalBox(SIGTERM);
+}
+
+void Supervisor::signalBox(int signalNumber) const
+{
+    const qint64 process = m_process.processId();
+    if (process > 0)
+        kill(-pid_t(process), signalNumber);
+}

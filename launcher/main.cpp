@@ -1,0 +1,135 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "BoxDirectory.h"
+#include "Desk.h"
+#include "Display.h"
+#include "ExitStatus.h"
+#include "Page.h"
+#include "Places.h"
+#include "Report.h"
+#include "Supervisor.h"
+#include "TraceLevel.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+Desk *runningDesk = nullptr;
+
+// Chooses how Qt shows windows, for the process inside. Returns what is missing for it, or nothing.
+QString choosePlatform(bool headless)
+{
+    if (!headless && !Display::isReachable()) {
+        report("there is no display, so it goes on as with --headless; set DISPLAY to have a window");
+        headless = true;
+    }
+    const QString platform = headless ? "offscreen" : Display::platform();
+    qputenv("QT_QPA_PLATFORM", platform.toUtf8());
+    if (Display::isInstalled(platform))
+        return {};
+    return QString(
+               "Qt's platform plugin \"%1\" is not installed; install it (apt-get install libqt5gui5 qtwayland5) or "
+               "set QT_QPA_PLATFORM to another")
+        .arg(platform);
+}
+
+// The process that the user starts. Its messages come before the box is touched where they can.
+int runOutside(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    Options options = Options::fromCommandLine();
+    QString error;
+    Page page;
+    if (!page.setArgument(options.page, &error)) {
+        report(error);
+        return ExitStatus::WrongUsage;
+    }
+    if (!QFile::exists(Places::plugin())) {
+        report(QString("the plugin %1 is missing; build or install it").arg(Places::plugin()));
+        return ExitStatus::NoPlugin;
+    }
+    error = choosePlatform(options.headless);
+    if (!error.isEmpty()) {
+        report(error);
+        return ExitStatus::Failed;
+    }
+    BoxDirectory box;
+    const int opened = box.open(options.box, &error);
+    if (opened != ExitStatus::Done) {
+        report(error);
+        return opened;
+    }
+    if (!page.serve(box)) {
+        report("no port of 127.0.0.1 is free for the pages; close some programs that listen on one");
+        return ExitStatus::Failed;
+    }
+
+    options.page = page.address();
+    options.portal = page.portalAddress();
+    if (!options.screenshot.isEmpty())
+        options.screenshot = Places::seenInside(options.screenshot);
+    report(QString("%1, box %2")
+               .arg(options.page.isEmpty() ? "portal " + options.portal : "page " + options.page, box.path()));
+    const TraceLevel traceLevel(box.path());
+    return Supervisor().run(box.path(), options.forInside());
+}
+
+// The process inside the box. On a restart it gives the arguments for the next start.
+int runInside(int argc, char **argv, QStringList *nextArguments)
+{
+    QApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // of which players' libraries take their decimal point
+    QApplication::setQuitOnLastWindowClosed(false);
+    if (!Places::isInside()) {
+        report(QString("%1 is for the process inside a box").arg(insideArgument));
+        return ExitStatus::WrongUsage;
+    }
+    qputenv("KAVRO_BOX_PID", QByteArray::number(getpid())); // for the box's reboot command
+
+    Desk desk(Options::fromCommandLine());
+    runningDesk = &desk;
+    std::atexit([] {
+        if (runningDesk)
+            runningDesk->saveLastScreenshot();
+    });
+    const int status = desk.run();
+    runningDesk = nullptr;
+    *nextArguments = desk.optionsAfterRestart().forInside();
+    return status;
+}
+
+[[noreturn]] void startOver(const char *program, const QStringList &arguments)
+{
+    std::vector<QByteArray> texts = {program};
+    for (const QString &argument : arguments)
+        texts.push_back(argument.toLocal8Bit());
+    std::vector<char *> pointers;
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    execv("/proc/self/exe", pointers.data());
+    report(QString("the desk box cannot be started again (%1)").arg(qt_error_string()));
+    std::exit(ExitStatus::Failed);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc < 2 || std::strcmp(argv[1], insideArgument) != 0)
+        return runOutside(argc, argv);
+    QStringList nextArguments;
+    const int status = runInside(argc, argv, &nextArguments);
+    if (status == Desk::restart)
+        startOver(argv[0], nextArguments);
+    return status;
+}
