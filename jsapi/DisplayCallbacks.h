@@ -10,7 +10,7 @@ namespace KavroJS {
 
 int hdmicb(int argument);
 int syncdonecb(int argument);
-/// Registered by launchers that want output-port events; the script objects do not.
+/// Nothing registers it: while pages are in charge of the outputs, nobody hears of them.
 int outportcb(int argument);
 
 } // namespace KavroJS

@@ -21,7 +21,9 @@ int multcb(int id);
 int telxpidcb(int id);
 int telxpagecb(int id);
 
-/// Registers all of the above for a player.
+/// Registers all but the teletext ones for a player.
 void registerPlayerCallbacks(int id);
+/// Registers the teletext ones for a player.
+void registerTeletextCallbacks(int id);
 
 } // namespace KavroJS
