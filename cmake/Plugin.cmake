@@ -18,6 +18,7 @@ add_library(kavrostbbrowser MODULE
     browser/PageGuard.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
+    config/DirectfbrcParser.cpp
     config/PluginConfigParser.cpp
     config/SystemSettings.cpp
     common/other/substitution.cpp

@@ -1,0 +1,91 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "config/DirectfbrcParser.h"
+
+#include <QRegExp>
+#include <QTextStream>
+
+#include <unistd.h>
+
+namespace {
+
+QRegExp modeLine()
+{
+    return QRegExp(QLatin1String("\\s*mode=(\\d+x\\d+)\\s*.*"));
+}
+
+// Each byte stands for itself, so that lines in any encoding are kept.
+void keepBytes(QTextStream &stream)
+{
+    stream.setCodec("ISO 8859-1");
+    stream.setAutoDetectUnicode(false);
+}
+
+} // namespace
+
+DirectfbrcParser::DirectfbrcParser(const QString &path)
+    : m_file(path)
+{
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Text))
+        return;
+    readLines();
+    findMode();
+}
+
+DirectfbrcParser::~DirectfbrcParser()
+{
+    m_file.close();
+}
+
+void DirectfbrcParser::readLines()
+{
+    QTextStream stream(&m_file);
+    keepBytes(stream);
+    while (!stream.atEnd())
+        m_lines.append(stream.readLine());
+}
+
+void DirectfbrcParser::findMode()
+{
+    QRegExp expression = modeLine();
+    foreach (const QString &line, m_lines) {
+        if (!expression.exactMatch(line))
+            continue;
+        const QStringList numbers = expression.cap(1).split(QLatin1Char('x'));
+        m_mode = QSize(numbers[0].toInt(), numbers[1].toInt());
+        return;
+    }
+}
+
+QSize DirectfbrcParser::mode() const
+{
+    return m_mode;
+}
+
+bool DirectfbrcParser::setMode(QSize size)
+{
+    m_mode = size;
+    const QRegExp expression = modeLine();
+    const QString line = QString::fromLatin1("mode=%1x%2").arg(size.width()).arg(size.height());
+    for (int i = 0; i < m_lines.size(); ++i) {
+        if (expression.exactMatch(m_lines.at(i)))
+            m_lines[i] = line;
+    }
+    return true;
+}
+
+bool DirectfbrcParser::write()
+{
+    if (!m_file.isOpen())
+        return true;
+    m_file.seek(0);
+    m_file.resize(0);
+    QTextStream stream(&m_file);
+    keepBytes(stream);
+    foreach (const QString &line, m_lines)
+        stream << line << '\n';
+    // Users of this class expect the disk to be busy now; the last of the text follows when the stream is finished.
+    sync();
+    return true;
+}
