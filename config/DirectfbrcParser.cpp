@@ -22,6 +22,28 @@ void keepBytes(QTextStream &stream)
     stream.setAutoDetectUnicode(false);
 }
 
+QStringList readLines(QFile &file)
+{
+    QStringList lines;
+    QTextStream stream(&file);
+    keepBytes(stream);
+    while (!stream.atEnd())
+        lines.append(stream.readLine());
+    return lines;
+}
+
+QSize firstMode(const QStringList &lines)
+{
+    QRegExp expression = modeLine();
+    foreach (const QString &line, lines) {
+        if (!expression.exactMatch(line))
+            continue;
+        const QStringList numbers = expression.cap(1).split(QLatin1Char('x'));
+        return QSize(numbers[0].toInt(), numbers[1].toInt());
+    }
+    return QSize();
+}
+
 } // namespace
 
 DirectfbrcParser::DirectfbrcParser(const QString &path)
@@ -29,33 +51,13 @@ DirectfbrcParser::DirectfbrcParser(const QString &path)
 {
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Text))
         return;
-    readLines();
-    findMode();
+    m_lines = readLines(m_file);
+    m_mode = firstMode(m_lines);
 }
 
 DirectfbrcParser::~DirectfbrcParser()
 {
     m_file.close();
-}
-
-void DirectfbrcParser::readLines()
-{
-    QTextStream stream(&m_file);
-    keepBytes(stream);
-    while (!stream.atEnd())
-        m_lines.append(stream.readLine());
-}
-
-void DirectfbrcParser::findMode()
-{
-    QRegExp expression = modeLine();
-    foreach (const QString &line, m_lines) {
-        if (!expression.exactMatch(line))
-            continue;
-        const QStringList numbers = expression.cap(1).split(QLatin1Char('x'));
-        m_mode = QSize(numbers[0].toInt(), numbers[1].toInt());
-        return;
-    }
 }
 
 QSize DirectfbrcParser::mode() const

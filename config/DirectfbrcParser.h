@@ -26,9 +26,6 @@ public:
 private:
     Q_DISABLE_COPY(DirectfbrcParser)
 
-    void readLines();
-    void findMode();
-
     QFile m_file;
     QSize m_mode;
     QStringList m_lines;
