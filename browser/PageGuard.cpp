@@ -112,7 +112,7 @@ const char script[] = R"js(
             if (!guard.object.hasOwnProperty(slot))
                 addMethod(guard, target, slot, slot, false);
         }
-        define(guard.object, 'toString', {value: function () { return target.toString(); }});
+        define(guard.object, 'toString', {value: function () { return '' + target; }});
         window[objectName] = guard.object;
     });
 })();
