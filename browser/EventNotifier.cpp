@@ -3,7 +3,7 @@
 
 #include "browser/EventNotifier.h"
 
-EventNotifier *EventNotifier::_inst = 0;
+EventNotifier *EventNotifier::_inst = nullptr;
 
 EventNotifier *EventNotifier::instance()
 {

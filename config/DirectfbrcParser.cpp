@@ -6,6 +6,8 @@
 #include <QRegExp>
 #include <QTextStream>
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace {
@@ -35,7 +37,7 @@ QStringList readLines(QFile &file)
 QSize firstMode(const QStringList &lines)
 {
     QRegExp expression = modeLine();
-    foreach (const QString &line, lines) {
+    for (const QString &line : lines) {
         if (!expression.exactMatch(line))
             continue;
         const QStringList numbers = expression.cap(1).split(QLatin1Char('x'));
@@ -85,7 +87,7 @@ bool DirectfbrcParser::write()
     m_file.resize(0);
     QTextStream stream(&m_file);
     keepBytes(stream);
-    foreach (const QString &line, m_lines)
+    for (const QString &line : std::as_const(m_lines))
         stream << line << '\n';
     // Users of this class expect the disk to be busy now; the last of the text follows when the stream is finished.
     sync();

@@ -42,7 +42,7 @@ QString userDirectory(const QDir &pluginDir)
 
 } // namespace
 
-PluginConfigParser *PluginConfigParser::inst_ = 0;
+PluginConfigParser *PluginConfigParser::inst_ = nullptr;
 
 PluginConfigParser *PluginConfigParser::instance(const QDir &pluginDir)
 {
@@ -59,7 +59,7 @@ PluginConfigParser *PluginConfigParser::instance()
 void PluginConfigParser::destroyInstance()
 {
     delete inst_;
-    inst_ = 0;
+    inst_ = nullptr;
 }
 
 PluginConfigParser::PluginConfigParser(const QDir &pluginDir)

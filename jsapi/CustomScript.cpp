@@ -50,7 +50,8 @@ QVariantMap CustomScript::run(const QString &name, const QString &arguments)
     bool found = false;
     bool executable = false;
     bool isFile = false;
-    foreach (const QFileInfo &entry, scripts.entryInfoList()) {
+    const QFileInfoList entries = scripts.entryInfoList();
+    for (const QFileInfo &entry : entries) {
         if (entry.fileName() != name)
             continue;
         found = true;

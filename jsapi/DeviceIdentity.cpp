@@ -31,7 +31,7 @@ QString DeviceIdentity::ipAddress()
 
 QString DeviceIdentity::platformText(TextQuery query, const char *fallback)
 {
-    char *text = 0;
+    char *text = nullptr;
     if (query(&text) != KVR_OK || !text)
         return QString::fromLatin1(fallback);
     const QString answer = QString::fromLatin1(text);

@@ -14,7 +14,7 @@ QString PlatformRecords::fieldText(const char *field, int size)
 PlatformRecords::TrackList PlatformRecords::trackList(TrackQuery query, int id)
 {
     TrackList list = {false, 0, QList<Track>()};
-    KVR_Track *tracks = 0;
+    KVR_Track *tracks = nullptr;
     if (query(id, &tracks, &list.count) == KVR_ERR_INVALID_ID)
         return list;
     list.known = true;

@@ -12,10 +12,11 @@
 #include <QVarLengthArray>
 
 #include <cstdlib>
+#include <utility>
 
 namespace KavroJS {
 
-StbDisplay *StbDisplay::inst_ = 0;
+StbDisplay *StbDisplay::inst_ = nullptr;
 
 StbDisplay *StbDisplay::instance()
 {
@@ -27,14 +28,14 @@ StbDisplay *StbDisplay::instance()
 void StbDisplay::destroyInstance()
 {
     delete inst_;
-    inst_ = 0;
+    inst_ = nullptr;
 }
 
 StbDisplay::StbDisplay()
     : logFile(new PageLog(this))
     , savedSyncHandler(takeOver(KVR_EVENT_SYNC_DONE, syncdonecb))
     // Nobody hears of output ports while pages are in charge of them.
-    , savedOutputPortHandler(takeOver(KVR_EVENT_OUTPUT_STATE, 0))
+    , savedOutputPortHandler(takeOver(KVR_EVENT_OUTPUT_STATE, nullptr))
     , savedHdmiHandler(takeOver(KVR_EVENT_HDMI, hdmicb))
 {
 }
@@ -154,7 +155,7 @@ int StbDisplay::SwitchToNextRMLayout()
 QVariant StbDisplay::GetOrder()
 {
     trace("StbDisplay.GetOrder()");
-    int *order = 0;
+    int *order = nullptr;
     int count = 0;
     if (KVR_GetOrder(&order, &count) != KVR_OK)
         return failureMap(QLatin1String("get order failed"), 99);
@@ -169,7 +170,7 @@ int StbDisplay::SetOrder(QVariantList list)
 {
     trace("StbDisplay.SetOrder()");
     QVarLengthArray<int> order;
-    foreach (const QVariant &entry, list)
+    for (const QVariant &entry : std::as_const(list))
         order.append(entry.toInt());
     KVR_SetOrder(order.constData(), order.size());
     return 0;

@@ -8,6 +8,8 @@
 #include "jsapi/StoragePath.h"
 #include "platform/stbapi.h"
 
+#include <utility>
+
 namespace {
 
 const int noSubtitleText = -128;
@@ -16,7 +18,7 @@ const int noSubtitleText = -128;
 
 namespace KavroJS {
 
-StbMedia *StbMedia::inst_ = 0;
+StbMedia *StbMedia::inst_ = nullptr;
 
 StbMedia *StbMedia::instance()
 {
@@ -28,7 +30,7 @@ StbMedia *StbMedia::instance()
 void StbMedia::destroyInstance()
 {
     delete inst_;
-    inst_ = 0;
+    inst_ = nullptr;
 }
 
 StbMedia::StbMedia()
@@ -39,7 +41,7 @@ StbMedia::StbMedia()
 
 StbMedia::~StbMedia()
 {
-    foreach (int id, players) {
+    for (int id : std::as_const(players)) {
         saveSound(id);
         KVR_ClosePlayer(id);
     }

@@ -40,7 +40,7 @@ QVariant answer(const PlatformRecords::TrackList &list, QVariantMap (*toMap)(con
     if (!list.known)
         return invalidId();
     QVariantList answer;
-    foreach (const PlatformRecords::Track &track, list.tracks)
+    for (const PlatformRecords::Track &track : list.tracks)
         answer.append(toMap(track));
     return answer;
 }

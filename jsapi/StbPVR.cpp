@@ -35,7 +35,7 @@ int pvr_clbk(int value)
     return EventNotifier::instance()->notifyEvent(value, KVR_EVENT_RECORDS);
 }
 
-StbPVR *StbPVR::_inst = 0;
+StbPVR *StbPVR::_inst = nullptr;
 
 StbPVR *StbPVR::instance()
 {
@@ -47,7 +47,7 @@ StbPVR *StbPVR::instance()
 void StbPVR::destroyInstance()
 {
     delete _inst;
-    _inst = 0;
+    _inst = nullptr;
 }
 
 StbPVR::StbPVR()
@@ -72,7 +72,7 @@ int StbPVR::AddRecord(QString url, QString fn, QDateTime starttime, int duration
 QVariant StbPVR::GetRecordsList()
 {
     trace("StbPVR.GetRecordsList()");
-    KVR_Record *records = 0;
+    KVR_Record *records = nullptr;
     int count = 0;
     KVR_GetRecordsList(&records, &count);
     QVariantList answer;

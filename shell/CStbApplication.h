@@ -16,7 +16,7 @@ class CStbApplication : public QWidget, public StbInterface
     Q_INTERFACES(StbInterface)
 
 public:
-    explicit CStbApplication(QWidget *parent = 0);
+    explicit CStbApplication(QWidget *parent = nullptr);
 
     int type() override;
     /// Name for the launcher's menu.

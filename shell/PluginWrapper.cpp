@@ -41,7 +41,7 @@ void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)
 // Models whose graphics layer lies above the video need a see-through window.
 bool needsTranslucentWindow()
 {
-    char *model = 0;
+    char *model = nullptr;
     if (KVR_GetDeviceModel(&model) != KVR_OK || !model)
         return false;
     const bool answer = QString::fromLatin1(model).contains(QLatin1String("MZ-600"), Qt::CaseInsensitive);
@@ -54,12 +54,12 @@ bool needsTranslucentWindow()
 PluginWrapper::PluginWrapper(QWidget *parent)
     : CStbApplication(parent)
     , shuttingDown(false)
-    , browser(0)
-    , inspector(0)
+    , browser(nullptr)
+    , inspector(nullptr)
     , running(false)
     , pluginDir(QLatin1String(defaultPluginDir))
-    , manifest(0)
-    , splashLabel(0)
+    , manifest(nullptr)
+    , splashLabel(nullptr)
 {
     setBrush(this, QPalette::Window, Qt::black);
 }
@@ -221,7 +221,7 @@ void PluginWrapper::onPageLoadFinished(bool ok)
     splashPixmap = QPixmap();
     if (splashLabel) {
         splashLabel->deleteLater();
-        splashLabel = 0;
+        splashLabel = nullptr;
     }
 }
 

@@ -22,7 +22,7 @@ class PluginWrapper : public CStbApplication
     KAVRO_PLUGIN_ROOT
 
 public:
-    explicit PluginWrapper(QWidget *parent = 0);
+    explicit PluginWrapper(QWidget *parent = nullptr);
     ~PluginWrapper() override;
 
     QString appName() override;

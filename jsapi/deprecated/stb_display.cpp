@@ -30,7 +30,8 @@ const char modeCode = 1;
 QString listing(const QString &dir, QDir::Filters kind)
 {
     QString entries;
-    foreach (const QString &name, entryNames(QLatin1String(storageRoot) + dir, kind))
+    const QStringList names = entryNames(QLatin1String(storageRoot) + dir, kind);
+    for (const QString &name : names)
         entries += JsonText::filled("\"%1\",\n", name);
     return JsonText::list(entries);
 }

@@ -10,6 +10,8 @@
 #include "jsapi/deprecated/JsonText.h"
 #include "platform/stbapi.h"
 
+#include <utility>
+
 namespace {
 
 // The same answer in two spellings, each of which old portals compare with.
@@ -33,7 +35,7 @@ QString answer(const PlatformRecords::TrackList &list, QString (*toEntry)(const 
     if (!list.known)
         return QLatin1String(invalidIdOfList);
     QString entries;
-    foreach (const PlatformRecords::Track &track, list.tracks)
+    for (const PlatformRecords::Track &track : list.tracks)
         entries += toEntry(track);
     return JsonText::list(entries);
 }
@@ -50,7 +52,7 @@ stb_media::stb_media()
 
 stb_media::~stb_media()
 {
-    foreach (int id, players)
+    for (int id : std::as_const(players))
         KVR_ClosePlayer(id);
 }
 
