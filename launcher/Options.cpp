@@ -80,9 +80,9 @@ Options Options::fromCommandLine()
     QCommandLineParser parser;
     parser.setApplicationDescription(help);
     const QCommandLineOption helpOption({"h", "help"}, "Shows this help.");
-    const QCommandLineOption boxOption("box", "Directory of the box's files.", "DIR",
-                                       QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
-                                           + "/kavro-box");
+    const QCommandLineOption boxOption(
+        "box", "Directory of the box's files, in your data folder without this option.", "DIR",
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/kavro-box");
     const QCommandLineOption headlessOption("headless", "No window, the same composed picture.");
     const QCommandLineOption screenshotOption("screenshot", "Writes the screen as PNG when it ends.", "FILE");
     const QCommandLineOption exitOption("exit-after", "Ends after this time.", "SECONDS");
@@ -101,7 +101,7 @@ Options Options::fromCommandLine()
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
     if (!parser.parse(QCoreApplication::arguments()))
-        refuse(parser.errorText());
+        refuse(parser.errorText().chopped(1)); // its full stop
     if (parser.isSet(helpOption))
         parser.showHelp();
     if (parser.positionalArguments().size() > 1)

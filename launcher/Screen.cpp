@@ -3,7 +3,7 @@
 
 #include "Screen.h"
 
-#include "ChromaKeyEffect.h"
+#include "LayerEffect.h"
 #include "PlayerItem.h"
 
 #include <QGraphicsProxyWidget>
@@ -40,11 +40,11 @@ Screen::~Screen()
 
 void Screen::setPlugin(QWidget *widget)
 {
-    m_chromaKey = new ChromaKeyEffect;
+    m_effect = new LayerEffect;
     m_proxy = new QGraphicsProxyWidget(&m_layer);
-    // A cache of the layer's own pixels: video does not repaint the page, and scaling and opacity treat it as a whole.
+    // A cache of the layer's own pixels, so that video does not repaint the page.
     m_proxy->setCacheMode(QGraphicsItem::ItemCoordinateCache);
-    m_proxy->setGraphicsEffect(m_chromaKey);
+    m_proxy->setGraphicsEffect(m_effect);
     m_proxy->setWidget(widget);
     m_proxy->setFocus();
     updateLayer();
@@ -93,8 +93,10 @@ void Screen::updateLayer()
     m_layer.setRect(layer.viewport.x, layer.viewport.y, layer.viewport.width, layer.viewport.height);
     // Not hidden, since a hidden page would stop and lose the focus; the page does not know of the layer.
     m_layer.setOpacity(layer.visible ? layer.alpha / 255.0 : 0);
-    if (!m_chromaKey)
+    if (!m_effect)
         return;
-    m_chromaKey->setColor(qRgb(layer.chromaKey.red, layer.chromaKey.green, layer.chromaKey.blue));
-    m_chromaKey->setEnabled(layer.chromaKeyEnabled);
+    std::optional<QRgb> chromaKey;
+    if (layer.chromaKeyEnabled)
+        chromaKey = qRgb(layer.chromaKey.red, layer.chromaKey.green, layer.chromaKey.blue);
+    m_effect->setLayer({layer.width, layer.height}, chromaKey);
 }

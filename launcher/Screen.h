@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-class ChromaKeyEffect;
+class LayerEffect;
 class PlayerItem;
 class QGraphicsProxyWidget;
 
@@ -42,7 +42,7 @@ private:
 
     QGraphicsRectItem m_layer;                          // in the layer's own pixels; shows no more than the viewport
     QPointer<QGraphicsProxyWidget> m_proxy;             // goes with the plugin's widget
-    QPointer<ChromaKeyEffect> m_chromaKey;              // goes with the proxy
+    QPointer<LayerEffect> m_effect;                     // goes with the proxy
     std::vector<std::unique_ptr<PlayerItem>> m_players; // the lowest first
     std::atomic<bool> m_updateScheduled{false};
 };
