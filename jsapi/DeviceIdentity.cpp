@@ -34,7 +34,7 @@ QString DeviceIdentity::platformText(TextQuery query, const char *fallback)
     char *text = nullptr;
     if (query(&text) != KVR_OK || !text)
         return QString::fromLatin1(fallback);
-    const QString answer = QString::fromLatin1(text);
+    QString answer = QString::fromLatin1(text);
     free(text);
     return answer;
 }
