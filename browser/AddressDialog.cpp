@@ -12,7 +12,11 @@
 
 namespace {
 
-QPointer<QLineEdit> lineEdit;
+QPointer<QLineEdit> &lineEdit()
+{
+    static QPointer<QLineEdit> theOne;
+    return theOne;
+}
 
 } // namespace
 
@@ -26,7 +30,7 @@ void AddressDialog::ask(QWebView *view, const char *slot)
 
 QString AddressDialog::address()
 {
-    return lineEdit ? lineEdit->text() : QString();
+    return lineEdit() ? lineEdit()->text() : QString();
 }
 
 AddressDialog::AddressDialog(QWebView *view, const char *slot)
@@ -34,9 +38,10 @@ AddressDialog::AddressDialog(QWebView *view, const char *slot)
 {
     setFixedSize(400, 100);
     new QLabel(QLatin1String("Enter URL: "), this);
-    lineEdit = new QLineEdit(view->url().toString(), this);
-    lineEdit->setFixedWidth(300);
-    lineEdit->move(100, 0);
+    QLineEdit *edit = new QLineEdit(view->url().toString(), this);
+    edit->setFixedWidth(300);
+    edit->move(100, 0);
+    lineEdit() = edit;
     QPushButton *button = new QPushButton(QLatin1String("Go"), this);
     button->move(0, 50);
     connect(button, SIGNAL(clicked()), view, slot);
