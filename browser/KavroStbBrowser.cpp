@@ -7,6 +7,7 @@
 #include "browser/DeleteGuard.h"
 #include "browser/EventNotifier.h"
 #include "browser/JsApiTracer.h"
+#include "browser/PageEvents.h"
 #include "browser/PageGuard.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
@@ -45,6 +46,7 @@ const char caBundle[] = "/etc/ssl/certs/ca-bundle.crt";
 const char debugFileDirectory[] = "/etc";
 const char debugFile[] = "/etc/stbjsapi_debug";
 const char pageDump[] = "/tmp/page.html";
+const char mediaName[] = "StbMedia";
 
 const int reloadDelay = 1000;       // ms
 const int noProgressTimeout = 5000; // ms
@@ -63,6 +65,7 @@ QTimer *createTimer(QObject *receiver, int interval, const char *slot)
 
 KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     : QWebView(parent)
+    , pageEvents(nullptr)
     , retryCount(0)
     , errorPageMode(false)
     , lastKeyTime(QTime::currentTime())
@@ -300,7 +303,10 @@ void KavroStbBrowser::checkDebugFile()
 void KavroStbBrowser::populateJavaScriptWindowObject()
 {
     QWebFrame *frame = page()->mainFrame();
-    frame->addToJavaScriptWindowObject(QLatin1String("StbMedia"), media);
+    if (pageEvents)
+        pageEvents->deleteLater(); // a page can be replaced from within an event
+    pageEvents = new PageEvents(frame, QLatin1String(mediaName), this);
+    frame->addToJavaScriptWindowObject(QLatin1String(mediaName), media);
     frame->addToJavaScriptWindowObject(QLatin1String("StbDisplay"), display);
     frame->addToJavaScriptWindowObject(QLatin1String("StbPVR"), pvr);
     frame->addToJavaScriptWindowObject(QLatin1String("stb_media"), deprecatedMedia);
@@ -321,13 +327,10 @@ void KavroStbBrowser::evaluateEvent(int argument, int code)
     deprecatedMedia->lastEventId = argument;
     deprecatedMedia->lastEventType = code;
 
-    QWebFrame *frame = page()->mainFrame();
-    frame->evaluateJavaScript(
-        QString::fromLatin1("if (typeof StbMedia.eventCallback != 'undefined') StbMedia.eventCallback(%1, %2);")
-            .arg(argument)
-            .arg(code));
+    if (pageEvents)
+        pageEvents->deliver(argument, code);
     if (!jsCallbackCode.isEmpty())
-        frame->evaluateJavaScript(jsCallbackCode);
+        page()->mainFrame()->evaluateJavaScript(jsCallbackCode);
 }
 
 void KavroStbBrowser::changeKeyDelay(int ms)

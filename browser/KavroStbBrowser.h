@@ -9,8 +9,8 @@
 #include <QUrl>
 #include <QWebView>
 
+class PageEvents;
 class QFileSystemWatcher;
-class QKeyEvent;
 class QNetworkReply;
 class QTimer;
 
@@ -76,6 +76,7 @@ private:
     KavroJS::StbPVR *pvr;
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
+    PageEvents *pageEvents; ///< of the current page; null before the first
     QString jsCallbackCode; ///< script to run after each platform event
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress

@@ -15,6 +15,7 @@ add_library(kavrostbbrowser MODULE
     browser/EventNotifier.cpp
     browser/JsApiTracer.cpp
     browser/KavroStbBrowser.cpp
+    browser/PageEvents.cpp
     browser/PageGuard.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp

@@ -1,0 +1,26 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QObject>
+
+class QWebFrame;
+
+/// Brings platform events to the one page that it is made for. A function in the page listens to a signal: evaluating a
+/// text for each event would cost thirty times as much, and would grow the engine's caches with each text.
+class PageEvents : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// For a new page, before its first script runs. The script object of this name is replaced; it is the one whose
+    /// eventCallback the page sets.
+    PageEvents(QWebFrame *frame, const QString &mediaName, QObject *parent);
+
+    /// Calls the page's eventCallback, if it has one.
+    void deliver(int argument, int code);
+
+signals:
+    void occurred(int argument, int code);
+};
