@@ -3,7 +3,7 @@
 
 # Writes OUTPUT with the revision of SOURCE_DIR, and leaves it alone when it is right already. Outside a git tree the
 # revision is in revision.txt, which "git archive" fills in.
-execute_process(COMMAND git -C ${SOURCE_DIR} rev-parse --verify HEAD --show-toplevel
+execute_process(COMMAND git -C ${SOURCE_DIR} rev-parse HEAD --show-toplevel
                 OUTPUT_VARIABLE answer RESULT_VARIABLE failed ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
 set(revision "")
 if(NOT failed)
