@@ -20,11 +20,12 @@ void removeColor(QImage *image, QRgb color)
 
 } // namespace
 
-void LayerEffect::setLayer(const QSize &resolution, std::optional<QRgb> chromaKey)
+void LayerEffect::setLayer(const QSize &resolution, qreal opacity, std::optional<QRgb> chromaKey)
 {
-    if (m_resolution == resolution && m_chromaKey == chromaKey)
+    if (m_resolution == resolution && m_opacity == opacity && m_chromaKey == chromaKey)
         return;
     m_resolution = resolution;
+    m_opacity = opacity;
     m_chromaKey = chromaKey;
     m_keyedSource = 0;
     update();
@@ -37,6 +38,7 @@ void LayerEffect::draw(QPainter *painter)
     QPoint offset;
     const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, &offset, NoPad);
     const QRect shown = QRect(offset, source.size()).intersected({QPoint(0, 0), m_resolution});
+    painter->setOpacity(m_opacity);
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
     painter->drawImage(shown.topLeft(), layerPicture(source), shown.translated(-offset));
 }

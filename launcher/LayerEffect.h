@@ -17,7 +17,7 @@ class LayerEffect : public QGraphicsEffect
     Q_OBJECT
 
 public:
-    void setLayer(const QSize &resolution, std::optional<QRgb> chromaKey);
+    void setLayer(const QSize &resolution, qreal opacity, std::optional<QRgb> chromaKey);
 
 protected:
     void draw(QPainter *painter) override;
@@ -26,6 +26,7 @@ private:
     QImage layerPicture(const QPixmap &source);
 
     QSize m_resolution;
+    qreal m_opacity = 1;
     std::optional<QRgb> m_chromaKey;
     qint64 m_keyedSource = 0; // cache key of what m_keyedPicture was made of
     QImage m_keyedPicture;

@@ -15,6 +15,7 @@ namespace {
 const char address[] = "src";
 // What the home page is when the command line names none: an address, or "portal".
 const char deskPage[] = "desk-page";
+const char byteOrderMark[] = "\xef\xbb\xbf";
 const char portal[] = "portal";
 
 QTextCodec *codecOf(const QByteArray &content)
@@ -47,13 +48,18 @@ QString Manifest::setHomePage(const QString &fileName, const QString &page, cons
     if (!file.open(QIODevice::ReadOnly))
         return QString("%1 cannot be read (%2)").arg(fileName, file.errorString());
     const QByteArray content = file.readAll();
+    const QByteArray mark = content.startsWith(byteOrderMark) ? byteOrderMark : "";
     QTextCodec *codec = codecOf(content);
-    ManifestText manifest(codec->toUnicode(content));
+    const QString text = codec->toUnicode(content);
+    if (mark + codec->fromUnicode(text) != content)
+        return QString("%1 is malformed (it is not in its encoding, %2)")
+            .arg(fileName, QString::fromLatin1(codec->name()));
+    ManifestText manifest(text);
     if (!manifest.isValid())
         return QString("%1 is malformed (%2)").arg(fileName, manifest.errorString());
 
     choose(&manifest, page, portalPage);
-    const QByteArray changed = codec->fromUnicode(manifest.text());
+    const QByteArray changed = mark + codec->fromUnicode(manifest.text());
     if (changed == content)
         return {};
     QSaveFile replacement(fileName);

@@ -91,12 +91,12 @@ void Screen::updateLayer()
     const DeskBox::GraphicsLayer layer = DeskBox::graphicsLayer();
     m_layer.setTransform(QTransform::fromScale(qreal(screenWidth) / layer.width, qreal(screenHeight) / layer.height));
     m_layer.setRect(layer.viewport.x, layer.viewport.y, layer.viewport.width, layer.viewport.height);
-    // Not hidden, since a hidden page would stop and lose the focus; the page does not know of the layer.
-    m_layer.setOpacity(layer.visible ? layer.alpha / 255.0 : 0);
     if (!m_effect)
         return;
     std::optional<QRgb> chromaKey;
     if (layer.chromaKeyEnabled)
         chromaKey = qRgb(layer.chromaKey.red, layer.chromaKey.green, layer.chromaKey.blue);
-    m_effect->setLayer({layer.width, layer.height}, chromaKey);
+    // Transparent and not hidden, since a hidden page would stop and lose the focus; it knows nothing of the layer.
+    const qreal opacity = layer.visible ? layer.alpha / 255.0 : 0;
+    m_effect->setLayer({layer.width, layer.height}, opacity, chromaKey);
 }

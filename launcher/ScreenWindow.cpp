@@ -55,5 +55,7 @@ void ScreenWindow::closeEvent(QCloseEvent *event)
 void ScreenWindow::resizeEvent(QResizeEvent *event)
 {
     QGraphicsView::resizeEvent(event);
-    fitInView(sceneRect(), Qt::KeepAspectRatio);
+    // fitInView would leave a margin, and so scale a picture that fits.
+    const qreal scale = qMin(width() / sceneRect().width(), height() / sceneRect().height());
+    setTransform(QTransform::fromScale(scale, scale));
 }
