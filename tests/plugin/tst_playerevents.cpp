@@ -1,0 +1,433 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "HttpServer.h"
+#include "RecordingPlatform.h"
+#include "ScriptSession.h"
+
+#include <QtTest>
+#include <climits>
+#include <memory>
+
+namespace {
+
+// A page that keeps what it hears in "seen", and its uncaught errors in "errors".
+const char *const page = R"(<!DOCTYPE html><title>Page</title><script>
+var seen = [], errors = 0;
+onerror = function () { ++errors; };
+function hear(argument, code) { seen.push([argument, code]); }
+</script>)";
+
+} // namespace
+
+// Events on their way from the platform's threads to the page: the page's callback, its handler text, and the record of
+// the latest event.
+class TestPlayerEvents : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanupTestCase();
+
+    void nothingHasHappenedAtFirst(); // hence the first test
+    void eachCodeReachesThePage_data();
+    void eachCodeReachesThePage();
+    void argumentsArriveUnchanged_data();
+    void argumentsArriveUnchanged();
+    void theRecordIsNewerThanTheCallback();
+    void nothingElseIsCalledOrTraced();
+
+    void theCallbackMayBeSetDirectly();
+    void theLatestCallbackIsCalled();
+    void aPageWithoutCallbackHasNoErrors();
+    void aCallbackThatIsNoFunctionHarmsNobody_data();
+    void aCallbackThatIsNoFunctionHarmsNobody();
+    void aNewPageHasNoCallback();
+
+    void theHandlerTextRunsAfterTheCallback();
+    void theHandlerTextRunsWithoutACallback();
+    void theHandlerTextReadsAsEmpty();
+    void theHandlerTextSurvivesThePage();
+    void theHandlerTextCanBeReplacedAndRemoved_data();
+    void theHandlerTextCanBeReplacedAndRemoved();
+    void bothObjectsSetTheOneHandlerText();
+    void aBrokenHandlerTextHarmsNobody_data();
+    void aBrokenHandlerTextHarmsNobody();
+
+    void aCallbackThatThrowsHearsTheNextEventToo();
+    void aCallbackThatNavigatesLosesNoEvent();
+    void aCallbackThatMakesThePlatformFireIsNotEnteredAgain();
+    void aCallbackMayCloseItsPlayer();
+    void closedPlayersFallSilent();
+    void eventsWithoutABrowserAreDropped();
+
+private:
+    void fire(int argument, int code) { RecordingPlatform::fire(1, code, argument); }
+    /// Lets events that have been fired arrive.
+    void deliver();
+    QString evaluate(const QString &script) { return m_session->plugin().evaluateToJson(script); }
+
+    std::unique_ptr<ScriptSession> m_session;
+};
+
+void TestPlayerEvents::init()
+{
+    RecordingPlatform::reset();
+    if (!m_session) {
+        m_session = std::make_unique<ScriptSession>();
+        QVERIFY(m_session->start());
+    }
+    QVERIFY(m_session->plugin().loadHtml(page));
+    evaluate("StbMedia.onEvent = ''");
+    QCOMPARE(evaluate("StbMedia.CreatePlayer()"), QString("1"));
+}
+
+void TestPlayerEvents::cleanupTestCase()
+{
+    m_session.reset();
+}
+
+void TestPlayerEvents::deliver()
+{
+    RecordingPlatform::waitUntilFired();
+    QCoreApplication::processEvents();
+}
+
+void TestPlayerEvents::eachCodeReachesThePage_data()
+{
+    QTest::addColumn<QString>("creation");
+    QTest::addColumn<int>("id");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<int>("argument");
+    for (const int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 14, 15})
+        QTest::addRow("StbMedia %d", code) << "StbMedia.CreatePlayer()" << 2 << code << 2;
+    for (const int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11})
+        QTest::addRow("stb_media %d", code) << "stb_media.CreatePlayer()" << 2 << code << 2;
+    QTest::newRow("synchronised") << "2" << KVR_BOX << 137 << -128;
+    QTest::newRow("recordings") << "2" << KVR_BOX << 139 << 17;
+    QTest::newRow("HDMI") << "2" << KVR_BOX << 144 << 1;
+}
+
+void TestPlayerEvents::eachCodeReachesThePage()
+{
+    QFETCH(QString, creation);
+    QFETCH(int, id);
+    QFETCH(int, code);
+    QFETCH(int, argument);
+    QCOMPARE(evaluate(creation), QString("2"));
+    evaluate("StbMedia.SetEventCallback(hear)");
+    RecordingPlatform::fire(id, code, argument);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[%1,%2]]").arg(argument).arg(code));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString("{\"id\":%1,\"type\":%2}").arg(argument).arg(code));
+}
+
+void TestPlayerEvents::argumentsArriveUnchanged_data()
+{
+    QTest::addColumn<int>("argument");
+    for (const int argument : {0, 1, -1, -128, INT_MAX, INT_MIN})
+        QTest::addRow("%d", argument) << argument;
+}
+
+void TestPlayerEvents::argumentsArriveUnchanged()
+{
+    QFETCH(int, argument);
+    evaluate("StbMedia.SetEventCallback(hear)");
+    fire(argument, KVR_EVENT_POSITION);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[%1,3]]").arg(argument));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString("{\"id\":%1,\"type\":3}").arg(argument));
+}
+
+void TestPlayerEvents::nothingHasHappenedAtFirst()
+{
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString(R"({"id":0,"type":0})"));
+}
+
+void TestPlayerEvents::theRecordIsNewerThanTheCallback()
+{
+    evaluate("StbMedia.SetEventCallback(function (argument, code) {"
+             "var event = StbMedia.GetEventDescription(); seen.push([argument, code, event.id, event.type]); })");
+    fire(2, 3);
+    fire(5, 1);
+    fire(7, 15);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[2,3,2,3],[5,1,5,1],[7,15,7,15]]"));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString(R"({"id":7,"type":15})"));
+}
+
+void TestPlayerEvents::nothingElseIsCalledOrTraced()
+{
+    QVERIFY(m_session->setTracing(true));
+    evaluate("StbMedia.SetEventCallback(hear)");
+    m_session->takeOutcome();
+    fire(2, 3);
+    deliver();
+    QCOMPARE(evaluate("seen.length"), QString("1"));
+    const ScriptSession::Outcome outcome = m_session->takeOutcome();
+    QCOMPARE(outcome.calls, QByteArray());
+    QCOMPARE(outcome.traces, QString());
+    QCOMPARE(outcome.messages, QStringList());
+    QVERIFY(m_session->setTracing(false));
+}
+
+void TestPlayerEvents::theCallbackMayBeSetDirectly()
+{
+    evaluate("StbMedia.eventCallback = hear");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,2]]"));
+}
+
+void TestPlayerEvents::theLatestCallbackIsCalled()
+{
+    evaluate("StbMedia.SetEventCallback(function () { seen.push('first'); })");
+    evaluate("StbMedia.SetEventCallback(hear)");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,2]]"));
+    evaluate("StbMedia.SetEventCallback(undefined)");
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2]],0]"));
+}
+
+void TestPlayerEvents::aPageWithoutCallbackHasNoErrors()
+{
+    fire(4, 5);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[],0]"));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString(R"({"id":4,"type":5})"));
+}
+
+void TestPlayerEvents::aCallbackThatIsNoFunctionHarmsNobody_data()
+{
+    QTest::addColumn<QString>("callback");
+    for (const char *const callback : {"null", "5", "'hear'", "{}", "[]"})
+        QTest::newRow(callback) << QString(callback);
+}
+
+void TestPlayerEvents::aCallbackThatIsNoFunctionHarmsNobody()
+{
+    QFETCH(QString, callback);
+    evaluate("StbMedia.SetEventCallback(" + callback + "); StbMedia.onEvent = 'seen.push(0)'");
+    fire(4, 5);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[0],1]"));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString(R"({"id":4,"type":5})"));
+}
+
+void TestPlayerEvents::aNewPageHasNoCallback()
+{
+    evaluate("StbMedia.SetEventCallback(hear)");
+    QVERIFY(m_session->plugin().loadHtml(page));
+    QCOMPARE(evaluate("typeof StbMedia.eventCallback"), QString("\"undefined\""));
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[],0]"));
+    evaluate("StbMedia.SetEventCallback(hear)");
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,3]]"));
+}
+
+void TestPlayerEvents::theHandlerTextRunsAfterTheCallback()
+{
+    evaluate("StbMedia.onEvent = 'seen.push(StbMedia.GetEventDescription().type)'");
+    evaluate("StbMedia.SetEventCallback(hear)");
+    QCOMPARE(evaluate("seen"), QString("[]"));
+    fire(1, 2);
+    fire(1, 3);
+    RecordingPlatform::fire(KVR_BOX, KVR_EVENT_HDMI, 0);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,2],2,[1,3],3,[0,144],144]"));
+}
+
+void TestPlayerEvents::theHandlerTextRunsWithoutACallback()
+{
+    evaluate("StbMedia.onEvent = 'seen.push(StbMedia.GetEventDescription())'");
+    fire(9, 7);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString(R"([[{"id":9,"type":7}],0])"));
+}
+
+void TestPlayerEvents::theHandlerTextReadsAsEmpty()
+{
+    QVERIFY(m_session->setTracing(true));
+    const ScriptSession::Outcome setting = m_session->run("StbMedia.onEvent = 'привіт(\"%1\")'; 0");
+    QCOMPARE(setting.traces, ScriptSession::quoted("StbMedia.onEvent(привіт(\"%1\"))"));
+    QCOMPARE(setting.calls, QByteArray());
+    const ScriptSession::Outcome reading = m_session->run("StbMedia.onEvent");
+    QCOMPARE(reading.result, QString("\"\""));
+    QCOMPARE(reading.traces, ScriptSession::quoted("StbMedia.onEvent"));
+    QCOMPARE(reading.calls, QByteArray());
+    QVERIFY(m_session->setTracing(false));
+}
+
+void TestPlayerEvents::theHandlerTextSurvivesThePage()
+{
+    evaluate("StbMedia.onEvent = 'seen.push(1)'");
+    QVERIFY(m_session->plugin().loadHtml(page));
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[1]"));
+}
+
+void TestPlayerEvents::theHandlerTextCanBeReplacedAndRemoved_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("seen");
+    QTest::newRow("other text") << "StbMedia.onEvent = 'seen.push(2)'"
+                                << "[2]";
+    QTest::newRow("empty") << "StbMedia.onEvent = ''"
+                           << "[]";
+    QTest::newRow("null") << "StbMedia.onEvent = null"
+                          << "[]";
+    QTest::newRow("undefined") << "StbMedia.onEvent = undefined"
+                               << "[]";
+    QTest::newRow("the signal itself") << "StbMedia.jsCallback('seen.push(3)')"
+                                       << "[3]";
+}
+
+void TestPlayerEvents::theHandlerTextCanBeReplacedAndRemoved()
+{
+    QFETCH(QString, script);
+    evaluate("StbMedia.onEvent = 'seen.push(1)'");
+    evaluate(script);
+    fire(1, 2);
+    deliver();
+    QTEST(evaluate("seen"), "seen");
+}
+
+void TestPlayerEvents::bothObjectsSetTheOneHandlerText()
+{
+    evaluate("StbMedia.onEvent = 'seen.push(1)'; stb_media.onEvent = 'seen.push(2)'");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[2]"));
+    evaluate("StbMedia.onEvent = 'seen.push(3)'");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[2,3]"));
+}
+
+void TestPlayerEvents::aBrokenHandlerTextHarmsNobody_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char *const text : {"throw new Error('x')", "no such syntax(", "noSuchFunction()", "%1 %2"})
+        QTest::newRow(text) << QString(text);
+}
+
+void TestPlayerEvents::aBrokenHandlerTextHarmsNobody()
+{
+    QFETCH(QString, text);
+    evaluate("StbMedia.SetEventCallback(hear)");
+    evaluate("StbMedia.onEvent = " + ScriptSession::quoted(text));
+    fire(1, 2);
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2],[1,3]],2]"));
+}
+
+void TestPlayerEvents::aCallbackThatThrowsHearsTheNextEventToo()
+{
+    evaluate("StbMedia.onEvent = 'seen.push(0)'");
+    evaluate("StbMedia.SetEventCallback(function (argument, code) { hear(argument, code); throw new Error('x'); })");
+    fire(1, 2);
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2],0,[1,3],0],2]"));
+}
+
+void TestPlayerEvents::aCallbackThatNavigatesLosesNoEvent()
+{
+    HttpServer server;
+    server.serve("/first", page);
+    server.serve("/second",
+                 "<!DOCTYPE html><title>Second</title><script>var seen = [];"
+                 "StbMedia.SetEventCallback(function (argument, code) { seen.push([argument, code]); });"
+                 "</script>");
+    QVERIFY(m_session->plugin().load(server.url("/first")));
+    // What every page hears is told to the platform, which outlives pages.
+    evaluate(
+        "StbMedia.onEvent = 'var event = StbMedia.GetEventDescription(); StbMedia.SetSpeed(event.id, event.type)'");
+    evaluate("StbMedia.SetEventCallback(function () { location.href = '/second'; })");
+    m_session->takeOutcome();
+    for (int i = 0; i < 20; ++i)
+        fire(i, 1);
+    QTRY_COMPARE(evaluate("document.title"), QString("\"Second\""));
+    for (int i = 20; i < 40; ++i)
+        fire(i, 2);
+    deliver();
+    QByteArrayList expected;
+    for (int i = 0; i < 40; ++i)
+        expected += QString("KVR_SetSpeed(%1, %2)").arg(i).arg(i < 20 ? 1 : 2).toUtf8();
+    QCOMPARE(m_session->takeOutcome().calls, expected.join('\n'));
+    QCOMPARE(evaluate("[seen.length, seen[0], seen[19]]"), QString("[20,[20,2],[39,2]]"));
+}
+
+void TestPlayerEvents::aCallbackThatMakesThePlatformFireIsNotEnteredAgain()
+{
+    evaluate("var depth = 0, deepest = 0;"
+             "StbMedia.SetEventCallback(function (argument, code) {"
+             "deepest = Math.max(deepest, ++depth);"
+             "hear(argument, code);"
+             "if (argument < 50) { StbMedia.Pause(argument + 1); StbMedia.Stop(1); }"
+             "--depth; })");
+    int next = 1;
+    // From a thread of the platform, and, as a platform that breaks the contract would, from inside the call.
+    RecordingPlatform::onCall("KVR_Pause", [&] { RecordingPlatform::fire(1, KVR_EVENT_STATE, next++); });
+    RecordingPlatform::onCall("KVR_Stop", [] { RecordingPlatform::fireHere({1, KVR_EVENT_POSITION, 1000}); });
+    fire(0, KVR_EVENT_STATE);
+    QTRY_COMPARE(evaluate("seen.length"), QString("101"));
+    QCOMPARE(evaluate("seen.filter(function (event) { return event[1] === 1; })"
+                      ".every(function (event, i) { return event[0] === i; })"),
+             QString("true"));
+    QCOMPARE(evaluate("seen.filter(function (event) { return event[0] === 1000; }).length"), QString("50"));
+    QCOMPARE(evaluate("[deepest, errors]"), QString("[1,0]"));
+}
+
+void TestPlayerEvents::aCallbackMayCloseItsPlayer()
+{
+    evaluate("StbMedia.SetEventCallback(function (argument, code) {"
+             "hear(argument, code); StbMedia.ClosePlayer(argument); })");
+    RecordingPlatform::fire(1, 1);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,1]],0]"));
+    QVERIFY(RecordingPlatform::calls().contains("KVR_ClosePlayer(1)"));
+}
+
+void TestPlayerEvents::closedPlayersFallSilent()
+{
+    evaluate("StbMedia.SetEventCallback(hear); StbMedia.CreatePlayer(); StbMedia.ClosePlayer(1)");
+    RecordingPlatform::fire(1, 1);
+    RecordingPlatform::fire(2, 1);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[2,1]]"));
+}
+
+void TestPlayerEvents::eventsWithoutABrowserAreDropped()
+{
+    // What closes no player leaves its callbacks with the platform.
+    RecordingPlatform::answer("KVR_ClosePlayer", -1);
+    fire(1, 1);
+    RecordingPlatform::waitUntilFired();
+    m_session.reset();
+    const int delivered = RecordingPlatform::deliveredEvents();
+    fire(1, 2);
+    deliver();
+    QCOMPARE(RecordingPlatform::deliveredEvents(), delivered + 1);
+
+    m_session = std::make_unique<ScriptSession>();
+    QVERIFY(m_session->start());
+    QVERIFY(m_session->plugin().loadHtml(page));
+    QCOMPARE(evaluate("StbMedia.GetEventDescription()"), QString(R"({"id":0,"type":0})"));
+    evaluate("StbMedia.SetEventCallback(hear)");
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,3]]"));
+}
+
+QTEST_MAIN(TestPlayerEvents)
+#include "tst_playerevents.moc"
