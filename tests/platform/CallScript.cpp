@@ -4,6 +4,7 @@
 #include "CallScript.h"
 
 #include <dlfcn.h>
+#include <utility>
 
 namespace {
 

@@ -3,6 +3,9 @@
 
 #include "EventSource.h"
 
+#include <climits>
+#include <memory>
+
 namespace {
 
 // Lets threads go on together as soon as all of them have come.

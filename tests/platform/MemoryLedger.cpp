@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): names of the C library and of the sanitizer
 #ifdef __SANITIZE_ADDRESS__
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloced)(const volatile void *, std::size_t),
                                                          void (*freed)(const volatile void *));
@@ -20,6 +21,7 @@ extern "C" __attribute__((visibility("default"))) void free(void *block) noexcep
         __libc_free(block);
 }
 #endif
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 

@@ -11,6 +11,8 @@
 #include <functional>
 #include <optional>
 
+#pragma GCC visibility push(default)
+
 /// The test's side of the recording libstbapi.so, which notes every call that the program makes to the platform and
 /// answers as the test said beforehand. Every function here may be called from any thread.
 namespace RecordingPlatform __attribute__((visibility("default")))
@@ -125,5 +127,7 @@ namespace RecordingPlatform __attribute__((visibility("default")))
     }
 
 } // namespace )
+
+#pragma GCC visibility pop
 
 Q_DECLARE_METATYPE(RecordingPlatform::Answer)

@@ -4,8 +4,8 @@
 #include "MessageLog.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <mutex>
+#include <utility>
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+#include <memory>
 
 // The script that gives a test program a box, run as CTest runs it.
 class TestInFreshBox : public QObject

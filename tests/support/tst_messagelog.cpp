@@ -6,6 +6,7 @@
 #include <QtTest>
 #include <atomic>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -100,6 +101,7 @@ void TestMessageLog::anyThreadMayWrite()
     constexpr int lines = 500;
     const MessageLog log;
     std::vector<std::thread> writers;
+    writers.reserve(threads);
     for (int i = 0; i < threads; ++i) {
         writers.emplace_back([] {
             for (int line = 0; line < lines; ++line)
