@@ -14,7 +14,8 @@
 namespace Desk {
 
 /// The boot parameters: in memory, and in a file of the box with one "key=value" a line. A thread of its own writes it.
-class BootParameters {
+class BootParameters
+{
 public:
     static constexpr std::size_t maximumValueSize = 255;
 

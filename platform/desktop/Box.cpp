@@ -5,8 +5,18 @@
 
 using namespace Desk;
 
+namespace {
+
+// How long the end of the process waits for streams that do not let go of their players.
+constexpr std::chrono::seconds longestFarewell{2};
+
+} // namespace
+
 void Box::finish()
 {
+    players.closeAll();
+    PlayerThread::waitForAll(longestFarewell);
+    records.finish();
     firmware.finish();
     bootParameters.finish();
     events.finish();
@@ -16,7 +26,8 @@ Box &Desk::box()
 {
     // The box itself stays: a KVR_ function may still be called by a destructor that runs later than ours.
     static Box *const instance = new Box;
-    static const struct Finisher {
+    static const struct Finisher
+    {
         ~Finisher() { instance->finish(); }
     } finisher;
     return *instance;

@@ -9,19 +9,24 @@
 #include "Firmware.h"
 #include "GraphicsState.h"
 #include "Outputs.h"
+#include "PlayerTable.h"
+#include "RecordScheduler.h"
 #include "ScreenNotifier.h"
 
 namespace Desk {
 
 /// The state of the desk box: what the KVR_ functions and the DeskBox functions work on.
-struct Box {
+struct Box
+{
     EventRegistry events;
     ScreenNotifier screen;
     GraphicsState graphics{screen};
     Outputs outputs{events};
+    PlayerTable players{events, screen, graphics};
     DeviceIdentity identity;
     BootParameters bootParameters{events};
     Firmware firmware;
+    RecordScheduler records{events};
 
     /// Ends what goes on in the background, when the process ends.
     void finish();

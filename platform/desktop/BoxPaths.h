@@ -11,6 +11,8 @@ constexpr char storageRoot[] = "/mnt/stb";
 constexpr char bootParameters[] = "/home/user/config/boot_params";
 constexpr char serialNumber[] = "/home/user/config/serial_number";
 constexpr char firmwareImage[] = "/home/user/firmware/image";
+constexpr char records[] = "/home/user/config/records.sqlite";
+constexpr char torrents[] = "/home/user/torrents";
 constexpr char certificates[] = "/etc/ssl/certs/ca-bundle.crt";
 
 } // namespace Desk::BoxPaths

@@ -15,7 +15,7 @@ DeskBox::GraphicsLayer DeskBox::graphicsLayer()
 
 std::vector<DeskBox::PlayerWindow> DeskBox::playerWindows()
 {
-    return {};
+    return box().players.windows();
 }
 
 void DeskBox::setScreenHandler(std::function<void()> handler)

@@ -19,7 +19,8 @@
 namespace DeskBox {
 
 /// The graphics layer as the KVR_ functions have set it.
-struct GraphicsLayer {
+struct GraphicsLayer
+{
     int width = 1920; ///< resolution in pixels; the layer is scaled to fill the screen
     int height = 1080;
     KVR_Rect viewport{0, 0, 1920, 1080}; ///< shown part, in pixels of the resolution
@@ -30,15 +31,17 @@ struct GraphicsLayer {
 };
 
 /// A decoded picture, already of the size at which its window shows it on the 1920 x 1080 screen.
-struct Frame {
+struct Frame
+{
     int width = 0;
     int height = 0;
-    int stride = 0; ///< bytes from one line to the next
+    int stride = 0;                   ///< bytes from one line to the next
     std::vector<std::uint8_t> pixels; ///< blue, green, red, unused: four bytes a pixel
 };
 
 /// A player's window on the 1920 x 1080 screen, in the stacking order of the layout.
-struct PlayerWindow {
+struct PlayerWindow
+{
     KVR_ID id = -1;
     KVR_Rect place{0, 0, 0, 0};
     int alpha = 255;

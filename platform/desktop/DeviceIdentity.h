@@ -9,7 +9,8 @@
 namespace Desk {
 
 /// Who the box says it is.
-class DeviceIdentity {
+class DeviceIdentity
+{
 public:
     std::string model() const;
     void setModel(const std::string &model);

@@ -13,7 +13,8 @@
 namespace Desk {
 
 /// The registered event handlers, and the thread that calls them one event after another, without a lock held.
-class EventRegistry {
+class EventRegistry
+{
 public:
     int add(KVR_ID id, int type, KVR_EventHandler handler);
     int remove(KVR_ID id, int type);

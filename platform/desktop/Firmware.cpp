@@ -19,7 +19,7 @@ using namespace Desk;
 namespace {
 
 constexpr long connectTimeout = 15; // seconds
-constexpr long stallTimeout = 30; // seconds without a byte
+constexpr long stallTimeout = 30;   // seconds without a byte
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 using Transfer = std::unique_ptr<CURL, void (*)(CURL *)>;

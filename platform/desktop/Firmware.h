@@ -11,7 +11,8 @@
 namespace Desk {
 
 /// Fetches firmware images into the box's files, one at a time.
-class Firmware {
+class Firmware
+{
 public:
     /// KVR_ERR_INVALID_STATE while another image is being fetched.
     int upgrade(const std::string &url);

@@ -11,9 +11,11 @@
 namespace Desk {
 
 /// The graphics layer and the layout, as the KVR_ functions set them. Thread-safe; every change is notified.
-class GraphicsState {
+class GraphicsState
+{
 public:
     /// Layout 0 leaves the players' windows where they were put, layout 1 tiles them over the screen.
+    static constexpr int tiledLayout = 1;
     static constexpr int layoutCount = 2;
 
     explicit GraphicsState(ScreenNotifier &notifier);

@@ -6,10 +6,12 @@
 #include "Log.h"
 #include "stbapi.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <string>
+#include <vector>
 
 namespace Desk {
 
@@ -29,6 +31,22 @@ Result guarded(const char *function, Body body, Result failure = KVR_ERR_FAILED)
 inline char *newText(const std::string &text)
 {
     return ::strdup(text.c_str());
+}
+
+/// An array for the caller, who releases it with free; null when it would be empty.
+template <typename Item>
+int newArray(const std::vector<Item> &items, Item **array, int *count)
+{
+    Item *copy = nullptr;
+    if (!items.empty()) {
+        copy = static_cast<Item *>(std::malloc(items.size() * sizeof(Item)));
+        if (!copy)
+            return KVR_ERR_FAILED;
+        std::copy(items.begin(), items.end(), copy);
+    }
+    *array = copy;
+    *count = static_cast<int>(items.size());
+    return KVR_OK;
 }
 
 } // namespace Desk

@@ -8,9 +8,20 @@
 
 using namespace Desk;
 
+namespace {
+
+// Hands the result of a change on which the places of the players' windows depend on.
+int rearranged(int result)
+{
+    box().players.arrange();
+    return result;
+}
+
+} // namespace
+
 int KVR_SetResolution(int width, int height)
 {
-    return guarded(__func__, [=] { return box().graphics.setResolution(width, height); });
+    return guarded(__func__, [=] { return rearranged(box().graphics.setResolution(width, height)); });
 }
 
 int KVR_SetGraphicsViewport(const KVR_Rect *viewport)
@@ -86,7 +97,7 @@ int KVR_IsChromaKeyEnable(void)
 
 int KVR_SetCurrentLayout(int layout)
 {
-    return guarded(__func__, [=] { return box().graphics.setLayout(layout); });
+    return guarded(__func__, [=] { return rearranged(box().graphics.setLayout(layout)); });
 }
 
 int KVR_GetCurrentLayout(void)
@@ -96,7 +107,21 @@ int KVR_GetCurrentLayout(void)
 
 int KVR_SwitchToNextLayout(void)
 {
-    return guarded(__func__, [] { return box().graphics.switchToNextLayout(); });
+    return guarded(__func__, [] { return rearranged(box().graphics.switchToNextLayout()); });
+}
+
+int KVR_SetOrder(const int *order, int count)
+{
+    if (count < 0 || (!order && count > 0))
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return box().players.setOrder(std::vector<int>(order, order + count)); });
+}
+
+int KVR_GetOrder(int **order, int *count)
+{
+    if (!order || !count)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return newArray(box().players.order(), order, count); });
 }
 
 int KVR_IsOutportsEnabled(void)

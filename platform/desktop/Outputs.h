@@ -10,7 +10,8 @@
 namespace Desk {
 
 /// The video outputs and the HDMI connection, as the launcher plays them. A change sends the event of the box.
-class Outputs {
+class Outputs
+{
 public:
     explicit Outputs(EventRegistry &events);
 

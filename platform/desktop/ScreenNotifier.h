@@ -10,7 +10,8 @@
 namespace Desk {
 
 /// Tells the launcher that the screen's picture may have changed.
-class ScreenNotifier {
+class ScreenNotifier
+{
 public:
     using Handler = std::function<void()>;
 

@@ -13,7 +13,8 @@ namespace Desk {
 
 /// A thread that runs tasks one after another, in the order in which they were posted. The thread starts with the first
 /// task.
-class TaskQueue {
+class TaskQueue
+{
 public:
     using Task = std::function<void()>;
 

@@ -1,0 +1,121 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The KVR_ functions of recordings.
+
+#include "Box.h"
+#include "Guarded.h"
+
+using namespace Desk;
+
+namespace {
+
+KVR_Record entryOf(const Record &record)
+{
+    KVR_Record entry = {};
+    entry.id = record.id;
+    record.url.copy(entry.addr, sizeof entry.addr - 1);
+    entry.duration = record.duration;
+    record.file.copy(entry.file, sizeof entry.file - 1);
+    entry.start = record.start;
+    entry.state = record.state;
+    return entry;
+}
+
+} // namespace
+
+KVR_ID KVR_AddRecord(const char *url, const char *file, uint32_t start, int duration)
+{
+    if (!url || !*url || !file || duration <= 0)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] {
+        Record record;
+        record.url = url;
+        record.file = file;
+        record.start = start;
+        record.duration = duration;
+        return box().records.add(record);
+    });
+}
+
+int KVR_GetRecordsList(KVR_Record **records, int *count)
+{
+    if (!records || !count)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] {
+        std::vector<KVR_Record> entries;
+        for (const Record &record : box().records.all())
+            entries.push_back(entryOf(record));
+        return newArray(entries, records, count);
+    });
+}
+
+int KVR_GetRecordStatus(KVR_ID id)
+{
+    return guarded(__func__, [=]() -> int {
+        const auto record = box().records.find(id);
+        return record ? static_cast<int>(record->state) : KVR_ERR_INVALID_ID;
+    });
+}
+
+int KVR_SetRecordStartTime(KVR_ID id, uint32_t start)
+{
+    return guarded(__func__, [=] { return box().records.setStart(id, start); });
+}
+
+int KVR_SetRecordDuration(KVR_ID id, int duration)
+{
+    if (duration <= 0)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return box().records.setDuration(id, duration); });
+}
+
+int KVR_SetRecordFilename(KVR_ID id, const char *file)
+{
+    if (!file)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return box().records.setFile(id, file); });
+}
+
+int KVR_SetRecordUrl(KVR_ID id, const char *url)
+{
+    if (!url || !*url)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return guarded(__func__, [=] { return box().records.setUrl(id, url); });
+}
+
+const char *KVR_GetRecordFilename(KVR_ID id)
+{
+    static thread_local std::string name;
+    name.clear();
+    guarded(__func__, [=] {
+        if (const auto record = box().records.find(id))
+            name = record->file;
+        return KVR_OK;
+    });
+    return name.c_str();
+}
+
+int KVR_CleanUpRecords(void)
+{
+    return guarded(__func__, [] { return box().records.cleanUp(); });
+}
+
+int KVR_DeleteRecord(KVR_ID id)
+{
+    return guarded(__func__, [=] { return box().records.remove(id); });
+}
+
+int KVR_SetRecordsSharedCallback(KVR_EventHandler handler)
+{
+    return guarded(__func__, [=] {
+        const int result = box().events.add(KVR_BOX, KVR_EVENT_RECORDS, handler);
+        box().records.start();
+        return result;
+    });
+}
+
+int KVR_CleanRecordsSharedCallback(void)
+{
+    return guarded(__func__, [] { return box().events.remove(KVR_BOX, KVR_EVENT_RECORDS); });
+}

@@ -1,0 +1,143 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "MpvCore.h"
+
+#include <clocale>
+#include <stdexcept>
+#include <unistd.h>
+
+using namespace Desk;
+
+namespace {
+
+mpv_node textNode(const std::string &text)
+{
+    mpv_node node = {};
+    node.format = MPV_FORMAT_STRING;
+    // libmpv takes what it sends as non-const, and copies it.
+    node.u.string = const_cast<char *>(text.c_str());
+    return node;
+}
+
+// Where sound goes. ALSA is left out where it has no device: it would complain on standard error for each player.
+std::string audioOutputs()
+{
+    const bool hasDevice = ::access("/dev/snd/controlC0", F_OK) == 0;
+    return hasDevice ? "pulse,alsa,null" : "pulse,null";
+}
+
+} // namespace
+
+MpvCore::MpvCore()
+{
+    // libmpv refuses to work with another decimal point; the toolkit sets the user's locale at its start.
+    std::setlocale(LC_NUMERIC, "C");
+    m_handle = mpv_create();
+    if (!m_handle)
+        throw std::runtime_error("libmpv cannot be started: no memory");
+
+    setOption("vo", "libmpv");
+    setOption("ao", audioOutputs());
+    setOption("idle", "yes");
+    setOption("ytdl", "no");
+    setOption("load-scripts", "no");
+    setOption("osd-level", "0");
+    setOption("autoload-files", "no");
+    setOption("sub-auto", "no");
+    setOption("audio-file-auto", "no");
+    setOption("cover-art-auto", "no");
+    setOption("hwdec", "no");
+    // Transport streams lead a seek to the key frame after the position, not before it.
+    setOption("hr-seek-demuxer-offset", "2");
+    setOption("audio-client-name", "kavro-box");
+    const int result = mpv_initialize(m_handle);
+    if (result < 0) {
+        mpv_terminate_destroy(m_handle);
+        throw std::runtime_error(std::string("libmpv cannot be started: ") + mpv_error_string(result));
+    }
+    mpv_request_log_messages(m_handle, "warn");
+}
+
+MpvCore::~MpvCore()
+{
+    mpv_terminate_destroy(m_handle);
+}
+
+void MpvCore::setOption(const char *name, const std::string &value)
+{
+    const int result = mpv_set_option_string(m_handle, name, value.c_str());
+    if (result < 0) {
+        mpv_terminate_destroy(m_handle);
+        throw std::runtime_error("libmpv refuses " + std::string(name) + "=" + value + ": " + mpv_error_string(result));
+    }
+}
+
+void MpvCore::set(const char *property, const std::string &value)
+{
+    const char *text = value.c_str();
+    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_STRING, &text);
+}
+
+void MpvCore::set(const char *property, bool value)
+{
+    int flag = value ? 1 : 0;
+    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_FLAG, &flag);
+}
+
+void MpvCore::set(const char *property, double value)
+{
+    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+void MpvCore::command(const std::vector<std::string> &words)
+{
+    std::vector<const char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(word.c_str());
+    arguments.push_back(nullptr);
+    mpv_command_async(m_handle, 0, arguments.data());
+}
+
+void MpvCore::load(const std::string &address, const Options &options, std::uint64_t tag)
+{
+    std::vector<char *> keys;
+    std::vector<mpv_node> values;
+    for (const auto &[key, value] : options) {
+        keys.push_back(const_cast<char *>(key.c_str()));
+        values.push_back(textNode(value));
+    }
+    mpv_node_list optionList = {static_cast<int>(keys.size()), values.data(), keys.data()};
+    mpv_node optionNode = {};
+    optionNode.format = MPV_FORMAT_NODE_MAP;
+    optionNode.u.list = &optionList;
+
+    const std::string name = "loadfile";
+    const std::string mode = "replace";
+    mpv_node words[] = {textNode(name), textNode(address), textNode(mode), optionNode};
+    mpv_node_list wordList = {4, words, nullptr};
+    mpv_node command = {};
+    command.format = MPV_FORMAT_NODE_ARRAY;
+    command.u.list = &wordList;
+    mpv_command_node_async(m_handle, tag, &command);
+}
+
+void MpvCore::observe(const char *property, mpv_format format, std::uint64_t tag)
+{
+    mpv_observe_property(m_handle, tag, property, format);
+}
+
+void MpvCore::unobserve(std::uint64_t tag)
+{
+    mpv_unobserve_property(m_handle, tag);
+}
+
+const mpv_event *MpvCore::nextEvent(double timeout)
+{
+    return mpv_wait_event(m_handle, timeout);
+}
+
+void MpvCore::wakeUp()
+{
+    mpv_wakeup(m_handle);
+}

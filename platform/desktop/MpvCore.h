@@ -1,0 +1,56 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <cstdint>
+#include <mpv/client.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Desk {
+
+/// One player core of libmpv. Its requests are queued and never wait. All but wakeUp() belongs to one thread.
+class MpvCore
+{
+public:
+    using Options = std::vector<std::pair<std::string, std::string>>;
+
+    /// Throws std::runtime_error when libmpv cannot start.
+    MpvCore();
+    MpvCore(const MpvCore &) = delete;
+    MpvCore &operator=(const MpvCore &) = delete;
+
+    /// Ends playback. May take as long as the stream takes to let go.
+    ~MpvCore();
+
+    mpv_handle *handle() const { return m_handle; }
+
+    void set(const char *property, const std::string &value);
+    void set(const char *property, const char *value) { set(property, std::string(value)); }
+    void set(const char *property, bool value);
+    void set(const char *property, double value);
+    void command(const std::vector<std::string> &words);
+
+    /// Plays address with options of its own. The reply, MPV_EVENT_COMMAND_REPLY with this tag, tells the entry's
+    /// number.
+    void load(const std::string &address, const Options &options, std::uint64_t tag);
+
+    /// Has changes of a property reported with this tag, the present value first.
+    void observe(const char *property, mpv_format format, std::uint64_t tag);
+    void unobserve(std::uint64_t tag);
+
+    /// Waits for the next event, at most for this many seconds. Valid until the next call.
+    const mpv_event *nextEvent(double timeout);
+
+    /// Has a nextEvent() that waits return. Any thread.
+    void wakeUp();
+
+private:
+    void setOption(const char *name, const std::string &value);
+
+    mpv_handle *m_handle = nullptr;
+};
+
+} // namespace Desk

@@ -1,0 +1,28 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Desk {
+
+/// What a player is asked to play.
+struct PlayRequest
+{
+    enum Kind { File, Stream, Http, Rtsp, Magnet };
+
+    Kind kind = File;
+    std::string address;              ///< path, URL or magnet link
+    std::vector<std::string> headers; ///< of HTTP requests, "Name: value"
+    std::string subtitles;            ///< path of a subtitle file, or empty
+    std::string torrentFile;          ///< file inside the torrent, or empty for the largest
+    bool rtspOverTcp = false;
+    double start = 0; ///< seconds
+    int videoPid = -1;
+    int audioPid = -1;
+    int subtitlePid = -1;
+};
+
+} // namespace Desk

@@ -1,0 +1,46 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "TrackList.h"
+
+#include <memory>
+
+namespace Desk {
+
+/// What the KVR_ functions tell about a player, apart from its window.
+struct PlayerStatus
+{
+    KVR_PlayerState state = KVR_PLAYER_IDLE;
+    /// Counts the requests to play and to stop; what belongs to an older request is out of date.
+    unsigned request = 0;
+    bool loaded = false; ///< the stream is open and its tracks are known
+    bool seekable = false;
+    long long position = 0; ///< milliseconds
+    long long duration = 0; ///< milliseconds, 0 when not known
+    int speed = 1;
+    double fps = 0;
+    int pictureWidth = 0;
+    int pictureHeight = 0;
+    std::shared_ptr<const TrackList> tracks = std::make_shared<TrackList>();
+    int videoPid = -1; ///< chosen, -1 when none is
+    int audioPid = -1;
+    int subtitlePid = -1;
+    int teletextPid = -1;
+    int teletextPage = 100;
+    bool subtitlesVisible = true;
+    bool teletextVisible = false;
+    int volume = 100;
+    bool mute = false;
+    double zoom = 1.0;
+    KVR_MulticastEvent multicast = {};
+
+    /// Back to what holds before anything is loaded, for a new request.
+    void reset(KVR_PlayerState newState);
+};
+
+/// The types of the events that tell of the difference between two states of a player.
+std::vector<int> eventsBetween(const PlayerStatus &before, const PlayerStatus &after);
+
+} // namespace Desk

@@ -1,0 +1,120 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PlayerThread.h"
+#include "Log.h"
+
+#include <exception>
+#include <string>
+#include <thread>
+#include <utility>
+
+using namespace Desk;
+
+namespace {
+
+// The number of threads that have not ended. Never destroyed: a thread that a dead host holds may outlive main().
+struct Running
+{
+    std::mutex mutex;
+    std::condition_variable changed;
+    int count = 0;
+};
+
+Running &running()
+{
+    static auto *const instance = new Running;
+    return *instance;
+}
+
+void count(int change)
+{
+    const std::lock_guard<std::mutex> lock(running().mutex);
+    running().count += change;
+    running().changed.notify_all();
+}
+
+} // namespace
+
+PlayerThread::PlayerThread(std::shared_ptr<PlayerModel> model, std::shared_ptr<PlayerWindow> window)
+    : m_model(std::move(model))
+    , m_window(std::move(window))
+{
+}
+
+void PlayerThread::start()
+{
+    count(+1);
+    try {
+        // Nobody waits for it, since the end of a player may take as long as its stream takes to let go.
+        std::thread([self = shared_from_this()]() mutable {
+            self->run();
+            self.reset();
+            count(-1);
+        }).detach();
+    } catch (...) {
+        count(-1);
+        throw;
+    }
+}
+
+void PlayerThread::post(Task task)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_tasks.push_back(std::move(task));
+    if (m_core)
+        m_core->wakeUp();
+}
+
+void PlayerThread::close()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_closing = true;
+    if (m_core)
+        m_core->wakeUp();
+}
+
+bool PlayerThread::waitForAll(std::chrono::milliseconds timeout)
+{
+    std::unique_lock<std::mutex> lock(running().mutex);
+    return running().changed.wait_for(lock, timeout, [] { return running().count == 0; });
+}
+
+PlayerThread::Wakeable::Wakeable(PlayerThread &thread, MpvCore &core)
+    : m_thread(thread)
+{
+    const std::lock_guard<std::mutex> lock(m_thread.m_mutex);
+    m_thread.m_core = &core;
+}
+
+PlayerThread::Wakeable::~Wakeable()
+{
+    const std::lock_guard<std::mutex> lock(m_thread.m_mutex);
+    m_thread.m_core = nullptr;
+}
+
+bool PlayerThread::takeTasks(std::vector<Task> &tasks)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    tasks.swap(m_tasks);
+    return !m_closing;
+}
+
+void PlayerThread::run()
+{
+    try {
+        Playback playback(*m_model, *m_window);
+        const Wakeable wakeable(*this, playback.core());
+        for (std::vector<Task> tasks; takeTasks(tasks); tasks.clear()) {
+            for (const Task &task : tasks)
+                task(playback);
+            playback.work();
+        }
+    } catch (const std::exception &exception) {
+        log("player " + std::to_string(m_model->id()) + ": " + exception.what());
+        m_model->change([](PlayerStatus &status) {
+            status.reset(KVR_PLAYER_ERROR);
+            return KVR_OK;
+        });
+    }
+}

@@ -1,0 +1,103 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RecordFile.h"
+#include "BoxPaths.h"
+#include "Log.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+using namespace Desk;
+
+namespace {
+
+// The name relative to the storage root, or an empty path for one that lies outside.
+std::filesystem::path belowRoot(const std::string &name)
+{
+    std::filesystem::path path(name);
+    if (path.is_absolute())
+        path = path.lexically_relative(BoxPaths::storageRoot);
+    for (const auto &part : path) {
+        if (part == ".." || part == ".")
+            return {};
+    }
+    return path;
+}
+
+// Opens the folder of a path below the storage root, step by step, so that no link can lead out of it.
+int openFolder(const std::filesystem::path &path)
+{
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    int folder = ::open(BoxPaths::storageRoot, flags);
+    for (const auto &part : path.parent_path()) {
+        if (folder < 0)
+            break;
+        const int next = ::openat(folder, part.c_str(), flags | O_NOFOLLOW);
+        const int error = errno;
+        ::close(folder);
+        errno = error;
+        folder = next;
+    }
+    return folder;
+}
+
+} // namespace
+
+std::string RecordFile::problemOf(const std::string &name)
+{
+    const std::filesystem::path path = belowRoot(name);
+    if (path.empty())
+        return "the file name must be one below " + std::string(BoxPaths::storageRoot);
+    return path.has_filename() ? std::string() : "the file name names a folder";
+}
+
+void RecordFile::remove(const std::string &name)
+{
+    const std::filesystem::path path = belowRoot(name);
+    const int folder = openFolder(path);
+    if (folder < 0 || ::unlinkat(folder, path.filename().c_str(), 0) != 0) {
+        if (errno != ENOENT)
+            log("cannot remove the recording " + name + ": " + std::strerror(errno));
+    }
+    if (folder >= 0)
+        ::close(folder);
+}
+
+RecordFile::~RecordFile()
+{
+    if (m_file >= 0)
+        ::close(m_file);
+}
+
+std::string RecordFile::create(const std::string &name)
+{
+    const std::string problem = problemOf(name);
+    if (!problem.empty())
+        return problem;
+    const std::filesystem::path path = belowRoot(name);
+    const int folder = openFolder(path);
+    if (folder < 0)
+        return "its folder: " + std::string(std::strerror(errno));
+    m_file = ::openat(folder, path.filename().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    const int error = errno;
+    ::close(folder);
+    return m_file >= 0 ? std::string() : name + ": " + std::strerror(error);
+}
+
+std::string RecordFile::write(const unsigned char *data, int size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(m_file, data, static_cast<std::size_t>(size));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return std::strerror(errno);
+        data += written;
+        size -= static_cast<int>(written);
+    }
+    return {};
+}

@@ -1,0 +1,36 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <string>
+
+namespace Desk {
+
+/// The file of a recording: below the storage root whatever its name tries, and never one that was there before.
+class RecordFile
+{
+public:
+    /// What is wrong with a file name, or an empty text. A relative name is one below the storage root; an absolute one
+    /// must lie there.
+    static std::string problemOf(const std::string &name);
+
+    /// Removes a file of this name. No link of the path is followed.
+    static void remove(const std::string &name);
+
+    RecordFile() = default;
+    RecordFile(const RecordFile &) = delete;
+    RecordFile &operator=(const RecordFile &) = delete;
+    ~RecordFile();
+
+    /// Creates the file. The reason when it cannot be, an empty text when it can.
+    std::string create(const std::string &name);
+
+    /// The reason when not all of it can be written, otherwise an empty text.
+    std::string write(const unsigned char *data, int size);
+
+private:
+    int m_file = -1;
+};
+
+} // namespace Desk
