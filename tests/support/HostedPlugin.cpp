@@ -3,8 +3,6 @@
 
 #include "HostedPlugin.h"
 
-#include "shell/CStbApplication.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>

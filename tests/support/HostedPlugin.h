@@ -5,11 +5,12 @@
 
 #include "PluginManifest.h"
 
+#include "shell/CStbApplication.h"
+
 #include <QPointer>
 #include <QUrl>
 #include <QVariant>
 
-class CStbApplication;
 class QWebView;
 
 /// The launcher of a test: loads the plugin, starts it in the test's box and hands its browser over. Ends the program
