@@ -1,0 +1,209 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RecordingPlatform.h"
+#include "ScriptSession.h"
+
+#include <QApplication>
+#include <QtTest>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include <arpa/inet.h>
+#include <linux/sockios.h>
+#include <net/if.h>
+#include <net/if_arp.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using RecordingPlatform::Answer;
+
+namespace {
+
+const char *const wired = "eth0";
+
+// Network interfaces of this program's own network.
+class Interfaces
+{
+public:
+    ~Interfaces() { close(m_socket); }
+
+    bool add(const char *name) { return ioctl(m_socket, SIOCBRADDBR, name) == 0; }
+    bool remove(const char *name)
+    {
+        ifreq request = requestFor(name);
+        return ioctl(m_socket, SIOCSIFFLAGS, &request) == 0 && ioctl(m_socket, SIOCBRDELBR, name) == 0;
+    }
+    bool setHardwareAddress(const char *name, const QByteArray &bytes)
+    {
+        ifreq request = requestFor(name);
+        request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
+        memcpy(request.ifr_hwaddr.sa_data, bytes.constData(), std::size_t(bytes.size()));
+        return ioctl(m_socket, SIOCSIFHWADDR, &request) == 0;
+    }
+    // A further address has a name with a colon.
+    bool setAddress(const char *name, const char *address)
+    {
+        ifreq request = requestFor(name);
+        sockaddr_in internet = {};
+        internet.sin_family = AF_INET;
+        inet_pton(AF_INET, address, &internet.sin_addr);
+        memcpy(&request.ifr_addr, &internet, sizeof internet);
+        return ioctl(m_socket, SIOCSIFADDR, &request) == 0;
+    }
+
+private:
+    static ifreq requestFor(const char *name)
+    {
+        ifreq request = {};
+        qstrncpy(request.ifr_name, name, sizeof request.ifr_name);
+        return request;
+    }
+
+    const int m_socket = socket(AF_INET, SOCK_DGRAM, 0);
+};
+
+} // namespace
+
+// What StbDisplay says of the box itself. The program has a network of its own, with no interface but those it makes.
+class TestDeviceIdentity : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+
+    void textsComeFromThePlatform_data();
+    void textsComeFromThePlatform();
+    void textsAreAskedForOnEachRead();
+    void withoutAWiredNetworkBothAreEmpty();
+    void withoutAnAddressThatIsEmpty();
+    void theHardwareAddressIsInLowerCase();
+    void theFirstAddressCounts();
+    void otherInterfacesDoNotCount();
+
+private:
+    QString result(const QString &script) { return m_session->run(script).result; }
+
+    std::unique_ptr<ScriptSession> m_session;
+    Interfaces m_interfaces;
+};
+
+void TestDeviceIdentity::initTestCase()
+{
+    m_session = std::make_unique<ScriptSession>();
+    QVERIFY(m_session->start());
+}
+
+void TestDeviceIdentity::cleanup()
+{
+    m_interfaces.remove(wired);
+    QCOMPARE(RecordingPlatform::memoryFaults(), QByteArrayList());
+    RecordingPlatform::reset();
+}
+
+void TestDeviceIdentity::textsComeFromThePlatform_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QByteArray>("function");
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QString>("json");
+
+    const struct
+    {
+        const char *property;
+        const char *function;
+        const char *fallback;
+    } properties[] = {{"DeviceModel", "KVR_GetDeviceModel", "\"????\""},
+                      {"FirmwareVersion", "KVR_GetFirmwareVersion", "\"unknown\""},
+                      {"SerialNumber", "KVR_GetDeviceSerialNumber", "\"SN????????\""}};
+    for (const auto &p : properties) {
+        const auto row = [&p](const char *name, const Answer &answer, const QString &json) {
+            QTest::addRow("%s: %s", p.property, name)
+                << QString(p.property) << QByteArray(p.function) << answer << json;
+        };
+        row("text", Answer::text("MZ-412 rev. \"B\""), R"("MZ-412 rev. \"B\"")");
+        row("empty text", Answer::text(""), "\"\"");
+        row("Latin-1 text", Answer::text("\xe9\xff"), "\"\u00e9\u00ff\"");
+        row("long text", Answer::text(QByteArray(100000, 'x')), '"' + QString(100000, 'x') + '"');
+        row("failure", -1, p.fallback);
+        row("failure of an unknown id", -127, p.fallback);
+        row("positive result", 1, p.fallback);
+    }
+}
+
+void TestDeviceIdentity::textsComeFromThePlatform()
+{
+    QFETCH(const QString, property);
+    QFETCH(const QByteArray, function);
+    QFETCH(const Answer, answer);
+    RecordingPlatform::answer(function, answer);
+    const ScriptSession::Outcome outcome = m_session->run("StbDisplay." + property);
+    QTEST(outcome.result, "json");
+    QCOMPARE(outcome.calls, QByteArray(function + "()"));
+}
+
+void TestDeviceIdentity::textsAreAskedForOnEachRead()
+{
+    RecordingPlatform::answerOnce("KVR_GetDeviceModel", Answer::text("one"));
+    RecordingPlatform::answerOnce("KVR_GetDeviceModel", Answer::text("two"));
+    QCOMPARE(result("[StbDisplay.DeviceModel, StbDisplay.DeviceModel]"), QString(R"(["one","two"])"));
+    QCOMPARE(RecordingPlatform::blocksHandedOut(), 2);
+}
+
+void TestDeviceIdentity::withoutAWiredNetworkBothAreEmpty()
+{
+    QCOMPARE(result("[StbDisplay.EthernetHardwareAddress, StbDisplay.IpAddress]"), QString(R"(["",""])"));
+}
+
+void TestDeviceIdentity::withoutAnAddressThatIsEmpty()
+{
+    QVERIFY(m_interfaces.add(wired));
+    QCOMPARE(result("[StbDisplay.EthernetHardwareAddress.length, StbDisplay.IpAddress]"), QString(R"([17,""])"));
+}
+
+void TestDeviceIdentity::theHardwareAddressIsInLowerCase()
+{
+    QVERIFY(m_interfaces.add(wired));
+    QVERIFY(m_interfaces.setHardwareAddress(wired, QByteArray::fromHex("02abcdef001f")));
+    QCOMPARE(result("StbDisplay.EthernetHardwareAddress"), QString("\"02:ab:cd:ef:00:1f\""));
+}
+
+void TestDeviceIdentity::theFirstAddressCounts()
+{
+    QVERIFY(m_interfaces.add(wired));
+    QVERIFY(m_interfaces.setAddress(wired, "192.0.2.17"));
+    QCOMPARE(result("StbDisplay.IpAddress"), QString("\"192.0.2.17\""));
+    QVERIFY(m_interfaces.setAddress("eth0:1", "192.0.2.18"));
+    QCOMPARE(result("StbDisplay.IpAddress"), QString("\"192.0.2.17\""));
+    QVERIFY(m_interfaces.setAddress(wired, "0.0.0.0"));
+    QVERIFY(m_interfaces.setAddress(wired, "198.51.100.1"));
+    QCOMPARE(result("StbDisplay.IpAddress"), QString("\"198.51.100.1\""));
+}
+
+void TestDeviceIdentity::otherInterfacesDoNotCount()
+{
+    QVERIFY(m_interfaces.add("eth1"));
+    QVERIFY(m_interfaces.setAddress("eth1", "192.0.2.17"));
+    QCOMPARE(result("[StbDisplay.EthernetHardwareAddress, StbDisplay.IpAddress]"), QString(R"(["",""])"));
+    QVERIFY(m_interfaces.remove("eth1"));
+}
+
+int main(int argc, char *argv[])
+{
+    // Before there is any thread. Who may not make a network alone may make one together with users.
+    if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
+        perror("This test needs a network of its own, which the kernel does not give it");
+        return 1;
+    }
+    QApplication app(argc, argv);
+    TestDeviceIdentity test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_deviceidentity.moc"

@@ -1,0 +1,181 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "HostedPlugin.h"
+
+#include "jsapi/StbDisplay.h"
+#include "jsapi/StbPVR.h"
+#include "shell/CStbApplication.h"
+
+#include <QMetaMethod>
+#include <QtTest>
+
+namespace {
+
+QStringList parameters(const QMetaMethod &method)
+{
+    QStringList result;
+    const QList<QByteArray> types = method.parameterTypes();
+    const QList<QByteArray> names = method.parameterNames();
+    for (int i = 0; i < types.size(); ++i)
+        result += QString(types[i] + ' ' + names[i]).trimmed();
+    return result;
+}
+
+// "result Name(type name, type name)" for each of a class's own methods of one kind.
+QStringList methods(const QMetaObject &metaObject, QMetaMethod::MethodType kind)
+{
+    QStringList result;
+    for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
+        const QMetaMethod method = metaObject.method(i);
+        if (method.methodType() == kind && method.access() == QMetaMethod::Public)
+            result += QString("%1 %2(%3)").arg(method.typeName(), method.name(), parameters(method).join(", "));
+    }
+    return result;
+}
+
+int ownMethods(const QMetaObject &metaObject)
+{
+    return metaObject.methodCount() - metaObject.methodOffset();
+}
+
+QStringList signatures(const QMetaObject &metaObject)
+{
+    QStringList result;
+    for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i)
+        result += metaObject.method(i).methodSignature();
+    return result;
+}
+
+} // namespace
+
+// What the launcher and pages see of StbDisplay and StbPVR through the toolkit: everything counts, the order too.
+class TestDisplayMetaObject : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void classesHaveTheirNames();
+    void displayHasItsSlots();
+    void displayHasItsSignals();
+    void displayHasItsProperties();
+    void pvrHasItsSlots();
+    void pagesSeeTheSameMembersInThisOrder();
+};
+
+void TestDisplayMetaObject::classesHaveTheirNames()
+{
+    QCOMPARE(KavroJS::StbDisplay::staticMetaObject.className(), "KavroJS::StbDisplay");
+    QCOMPARE(KavroJS::StbPVR::staticMetaObject.className(), "KavroJS::StbPVR");
+    QCOMPARE(KavroJS::StbDisplay::staticMetaObject.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(KavroJS::StbPVR::staticMetaObject.superClass(), &QObject::staticMetaObject);
+}
+
+void TestDisplayMetaObject::displayHasItsSlots()
+{
+    const QStringList slotTable = {
+        "int SetGraphicsViewport(int, int, int, int)",
+        "QVariant GetGraphicsViewport()",
+        "int SetGraphicsVisible(int)",
+        "int IsGraphicsVisible()",
+        "int SetAlphaLevel(uint)",
+        "int GetAlphaLevel()",
+        "int SetChromaKey(int color)",
+        "int GetChromaKey()",
+        "int IsChromaKeyEnable()",
+        "int SetChromaKeyEnable(int)",
+        "int SetCurrentRMLayout(int)",
+        "int GetCurrentRMLayout()",
+        "int SwitchToNextRMLayout()",
+        "QVariant GetOrder()",
+        "int SetOrder(QVariantList)",
+        "int IsOutportsEnabled()",
+        "int GetHdmiState()",
+        "int SetBootParamValue(QString key, QString value)",
+        "QVariant GetBootParamValue(QString key)",
+        "int SyncBootParams()",
+        "int UpgradeFirmware(QString url)",
+        "int EnableHtml5LocalStorage(bool isEnabled)",
+        "int Reboot()",
+        "int ExitToMenu()",
+        "int SetKeyEventPeriod(int ms)",
+        "QVariant ListFiles(QString dir)",
+        "QVariant ListDirs(QString dir)",
+        "QVariant ExecBlocking(QString cmd, QString args)",
+        "int Debug(QString Debug)",
+        "int Log(QString Log)",
+    };
+    QCOMPARE(slotTable.size(), 30);
+    QCOMPARE(methods(KavroJS::StbDisplay::staticMetaObject, QMetaMethod::Slot), slotTable);
+    QCOMPARE(ownMethods(KavroJS::StbDisplay::staticMetaObject), 30 + 2);
+}
+
+void TestDisplayMetaObject::displayHasItsSignals()
+{
+    QCOMPARE(methods(KavroJS::StbDisplay::staticMetaObject, QMetaMethod::Signal),
+             QStringList({"void ExitToMenuSignal()", "void keyDelayChanged(int)"}));
+}
+
+void TestDisplayMetaObject::displayHasItsProperties()
+{
+    const QMetaObject &metaObject = KavroJS::StbDisplay::staticMetaObject;
+    QStringList names;
+    for (int i = metaObject.propertyOffset(); i < metaObject.propertyCount(); ++i) {
+        const QMetaProperty property = metaObject.property(i);
+        names += property.name();
+        QCOMPARE(property.typeName(), "QString");
+        QVERIFY(property.isReadable() && property.isScriptable());
+        QVERIFY(!property.isWritable() && !property.isResettable() && !property.hasNotifySignal());
+        QVERIFY(!property.isConstant()); // computed afresh on each read
+    }
+    QCOMPARE(names,
+             QStringList({"APIVersion", "EthernetHardwareAddress", "IpAddress", "DeviceModel", "FirmwareVersion",
+                          "SerialNumber"}));
+}
+
+void TestDisplayMetaObject::pvrHasItsSlots()
+{
+    const QMetaObject &metaObject = KavroJS::StbPVR::staticMetaObject;
+    const QStringList slotTable = {
+        "int AddRecord(QString url, QString fn, QDateTime starttime, int duration)",
+        "QVariant GetRecordsList()",
+        "QVariant GetRecordStatus(KVR_ID id)",
+        "int SetRecordStartTime(KVR_ID, QVariant)",
+        "int SetRecordDuration(KVR_ID, int)",
+        "int SetRecordFilename(KVR_ID, QString)",
+        "int SetRecordUrl(KVR_ID id, QString url)",
+        "QString GetRecordFilename(KVR_ID)",
+        "void CleanUpRecords()",
+        "int DeleteRecord(KVR_ID id)",
+    };
+    QCOMPARE(methods(metaObject, QMetaMethod::Slot), slotTable);
+    QCOMPARE(ownMethods(metaObject), 10);
+    QCOMPARE(metaObject.propertyCount(), metaObject.propertyOffset());
+}
+
+// The classes above are those of this program; these are the plugin's own.
+void TestDisplayMetaObject::pagesSeeTheSameMembersInThisOrder()
+{
+    HostedPlugin::writeManifest(PluginManifest());
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.loadHtml("<title>members</title>"));
+    const auto pageMembers = [&plugin](const QString &object) {
+        return plugin
+            .evaluate("(function () { var names = []; for (var name in " + object
+                      + ") if (name.indexOf('(') > 0) names.push(name); return names; })()")
+            .toStringList();
+    };
+    const QStringList display = pageMembers("StbDisplay");
+    const QStringList displayTable = signatures(KavroJS::StbDisplay::staticMetaObject);
+    QCOMPARE(display.mid(display.size() - displayTable.size()), displayTable);
+    const QStringList pvr = pageMembers("StbPVR");
+    const QStringList pvrTable = signatures(KavroJS::StbPVR::staticMetaObject);
+    QCOMPARE(pvr.mid(pvr.size() - pvrTable.size()), pvrTable);
+    QCOMPARE(plugin.evaluate("String(StbDisplay)"), QVariant("KavroJS::StbDisplay(name = \"\")"));
+    QCOMPARE(plugin.evaluate("StbPVR.toString()"), QVariant("KavroJS::StbPVR(name = \"\")"));
+}
+
+QTEST_MAIN(TestDisplayMetaObject)
+
+#include "tst_displaymetaobject.moc"
