@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
+#include <QTemporaryFile>
 
 #include <cstdio>
 
@@ -19,13 +20,17 @@ const char settingsPath[] = "/home/user/config/config_files/qtstbapi.conf";
 const char volumeKey[] = "volume/volumeValue";
 const char muteKey[] = "volume/mute";
 
+// The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
+// one tick of the clock leave so. A copy under a new name is read in any case.
 QVariant value(const char *key)
 {
-    const QString path = QLatin1String(settingsPath);
-    // Settings opened for a missing file must not bring it into being.
-    if (!QFile::exists(path))
+    QFile file(QString::fromLatin1(settingsPath));
+    QTemporaryFile copy;
+    if (!file.open(QIODevice::ReadOnly) || !copy.open())
         return 0;
-    return QSettings(path, QSettings::NativeFormat).value(QLatin1String(key), 0);
+    copy.write(file.readAll());
+    copy.close();
+    return QSettings(copy.fileName(), QSettings::NativeFormat).value(QLatin1String(key), 0);
 }
 
 void bringToDisk(const QByteArray &path)

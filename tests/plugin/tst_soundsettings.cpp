@@ -179,10 +179,15 @@ void TestSoundSettings::theSoundOfAClosedPlayerGoesToTheNext()
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("35, 1"));
 }
 
+// Also when two players are closed in one tick of the file system's clock.
 void TestSoundSettings::eachNewPlayerSeesTheLatestSound()
 {
-    for (int volume = 100; volume < 500; ++volume) {
+    const QDateTime tick = QDateTime::fromSecsSinceEpoch(1700000000);
+    for (int volume = 10; volume < 20; ++volume) {
         closeAPlayer(m_session.get(), volume, volume % 2);
+        QFile file(settingsFile);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(tick, QFileDevice::FileModificationTime));
         QCOMPARE(soundOfANewPlayer(m_session.get()), QString("%1, %2").arg(volume).arg(volume % 2));
     }
 }
