@@ -6,7 +6,6 @@
 #include "MessageLog.h"
 #include "RecordingPlatform.h"
 #include "browser/EventNotifier.h"
-#include "shell/CStbApplication.h"
 
 #include <QImageReader>
 #include <QWebView>
