@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "ScriptObjectFinder.h"
 #include "ScriptSession.h"
 
 #include <QMetaMethod>
@@ -79,31 +80,6 @@ const Slot slotsInOrder[] = {
     {"QVariant", "GetEventDescription", ""},
 };
 
-// Finds the script object itself, which neither pages nor launchers can get hold of: an application's event filter sees
-// the effect of a page's call of its inherited deleteLater, which has no other effect.
-class ObjectFinder : public QObject
-{
-public:
-    explicit ObjectFinder(const char *className)
-        : m_className(className)
-    {
-        qApp->installEventFilter(this);
-    }
-
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::DeferredDelete && qstrcmp(watched->metaObject()->className(), m_className) == 0)
-            m_found = watched;
-        return false;
-    }
-
-    const QObject *found() const { return m_found; }
-
-private:
-    const char *m_className;
-    QPointer<QObject> m_found;
-};
-
 QString declaration(const QMetaMethod &method)
 {
     QStringList parameters;
@@ -149,7 +125,7 @@ private:
 
 void TestStbMediaMetaObject::initTestCase()
 {
-    const ObjectFinder finder("KavroJS::StbMedia");
+    const ScriptObjectFinder finder("KavroJS::StbMedia");
     m_session = std::make_unique<ScriptSession>();
     QVERIFY(m_session->start());
     m_session->plugin().evaluate("StbMedia.deleteLater()");
