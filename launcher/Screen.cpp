@@ -6,6 +6,7 @@
 #include "LayerEffect.h"
 #include "PlayerItem.h"
 
+#include <QApplication>
 #include <QGraphicsProxyWidget>
 #include <QPainter>
 #include <QPixmapCache>
@@ -29,6 +30,7 @@ Screen::Screen()
     m_layer.setZValue(layerHeight);
     addItem(&m_layer);
 
+    qApp->installEventFilter(&m_dialogPlacer);
     DeskBox::setScreenHandler([this] { scheduleUpdate(); });
     updateItems();
 }

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "DialogPlacer.h"
+
 #include <QGraphicsRectItem>
 #include <QGraphicsScene>
 #include <QImage>
@@ -40,6 +42,7 @@ private:
     void updatePlayers();
     void updateLayer();
 
+    DialogPlacer m_dialogPlacer;
     QGraphicsRectItem m_layer;                          // in the layer's own pixels; shows no more than the viewport
     QPointer<QGraphicsProxyWidget> m_proxy;             // goes with the plugin's widget
     QPointer<LayerEffect> m_effect;                     // goes with the proxy

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QTest>
 
 namespace {
 
@@ -30,7 +31,8 @@ Program::~Program()
 
 int Program::finish()
 {
-    if (state() != NotRunning && !waitForFinished(longestRun))
+    // With an event loop, since a test may be the program's web server at the same time.
+    if (!QTest::qWaitFor([this] { return state() == NotRunning; }, longestRun))
         return -1;
     return exitStatus() == NormalExit ? exitCode() : -2;
 }

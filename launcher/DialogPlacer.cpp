@@ -1,0 +1,38 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DialogPlacer.h"
+
+#include <QDialog>
+#include <QEvent>
+#include <QGraphicsProxyWidget>
+
+bool DialogPlacer::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::Show) {
+        auto *dialog = qobject_cast<QDialog *>(object);
+        if (dialog && dialog->graphicsProxyWidget() && dialog->parentWidget()) {
+            focusFirstChild(dialog);
+            // When it is shown and Qt has placed it as if the screen were a desktop.
+            QMetaObject::invokeMethod(
+                dialog, [dialog] { place(dialog); }, Qt::QueuedConnection);
+        }
+    }
+    return QObject::eventFilter(object, event);
+}
+
+void DialogPlacer::place(QDialog *dialog)
+{
+    const QWidget *parent = dialog->parentWidget();
+    const QPoint center = parent->mapTo(parent->window(), parent->rect().center());
+    dialog->graphicsProxyWidget()->setPos(center - dialog->rect().center());
+}
+
+void DialogPlacer::focusFirstChild(QDialog *dialog)
+{
+    QWidget *widget = dialog->focusWidget() ? dialog : dialog->nextInFocusChain();
+    while (widget != dialog && !(widget->focusPolicy() & Qt::TabFocus))
+        widget = widget->nextInFocusChain();
+    if (widget != dialog)
+        widget->setFocus(Qt::TabFocusReason);
+}

@@ -1,0 +1,39 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "HttpServer.h"
+#include "Program.h"
+
+#include <QScopedPointer>
+#include <QStringList>
+
+/// A test of the desk box with the plugin, as a user has it, headless and with a new box directory: what a page does is
+/// known from its requests, the picture from the screenshot.
+class DeskBoxTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// A page whose script has two functions: tell(text) tells the test a text, by a request that it waits for, and
+    /// leave(milliseconds) leaves the desk box a while later.
+    static QByteArray page(const QByteArray &script, const QByteArray &body = {});
+
+    /// To be called before each test.
+    void setUp();
+    void begin(const QStringList &arguments);
+    int run(const QStringList &arguments);
+    /// What pages have told.
+    QStringList told() const;
+
+    QScopedPointer<QTemporaryDir> m_folder;
+    QString m_box;
+    QString m_picture;
+    QScopedPointer<HttpServer> m_server;
+    QScopedPointer<Program> m_program;
+    QStringList m_usual; // arguments
+
+private:
+    static constexpr char program[] = "bin/kavro-box";
+};

@@ -1,0 +1,157 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DeskBoxTest.h"
+
+#include <QImage>
+#include <QTest>
+#include <QXmlStreamReader>
+
+namespace {
+
+const char traceLevel[] = "/etc/stbjsapi_debug";
+
+} // namespace
+
+/// The pages that the desk box opens, and what else it sets in the box.
+class TestKavroBoxPages : public DeskBoxTest
+{
+    Q_OBJECT
+
+private slots:
+    void init() { setUp(); }
+
+    void aFileIsServedAsAPage();
+    void theAddressOfAServedFileStaysTheSame();
+    void aPageGivenOnceIsNotTheNextHomePage();
+    void theAuthorsOwnHomePageIsOpened();
+    void aMalformedManifestIsSaidAndTheBoxStarts();
+    void tracingLastsForOneRun_data();
+    void tracingLastsForOneRun();
+    void theModelIsTheOneGiven();
+    void theOutputIsThePluginsAlone();
+
+private:
+    /// The script of a page of another server that tells its address and leaves.
+    QByteArray tellAddress() const;
+    QString manifest() const;
+    QString homePage(const QString &attribute) const;
+};
+
+QByteArray TestKavroBoxPages::tellAddress() const
+{
+    return "var image = new Image(); image.onerror = function () { StbDisplay.ExitToMenu(); }; image.src = '"
+        + m_server->url("/told/").toEncoded() + "' + encodeURIComponent(location.href);";
+}
+
+QString TestKavroBoxPages::manifest() const
+{
+    return m_box + "/sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
+}
+
+QString TestKavroBoxPages::homePage(const QString &attribute) const
+{
+    QXmlStreamReader reader(contentOf(manifest()));
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.attributes().value("type") == "homepage")
+            return reader.attributes().value(attribute).toString();
+    }
+    return {};
+}
+
+void TestKavroBoxPages::aFileIsServedAsAPage()
+{
+    const QString file = m_folder->filePath("my page.html");
+    QVERIFY(writeFile(file, "<script src='my.js'></script>"));
+    QVERIFY(writeFile(m_folder->filePath("my.js"), tellAddress()));
+    QCOMPARE(run({file}), 0);
+    QCOMPARE(told().size(), 1);
+    QVERIFY(told().first().startsWith("http://127.0.0.1:2"));
+    QVERIFY(told().first().endsWith("/my%20page.html"));
+}
+
+void TestKavroBoxPages::theAddressOfAServedFileStaysTheSame()
+{
+    QVERIFY(writeFile(m_folder->filePath("a.html"), "<script>" + tellAddress() + "</script>"));
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(run({m_folder->filePath("a.html")}), 0);
+    QCOMPARE(told().size(), 2);
+    QCOMPARE(told().first(), told().last());
+}
+
+void TestKavroBoxPages::aPageGivenOnceIsNotTheNextHomePage()
+{
+    QCOMPARE(run({"--exit-after", "0", m_server->url("/?a=1&b=<2>").toString()}), 0);
+    QCOMPARE(homePage("src"), m_server->url("/?a=1&b=<2>").toString());
+    QCOMPARE(homePage("desk-page"), QString("portal"));
+    QCOMPARE(run({"--exit-after", "0"}), 0);
+    QVERIFY(homePage("src").startsWith("http://127.0.0.1:2"));
+    QVERIFY(homePage("src").endsWith("/index.html"));
+    QCOMPARE(homePage("desk-page"), QString("portal"));
+}
+
+void TestKavroBoxPages::theAuthorsOwnHomePageIsOpened()
+{
+    m_server->serve("/own", page("tell('own'); leave();"));
+    m_server->serve("/given", page("tell('given'); leave();"));
+    QVERIFY(writeFile(manifest(), "<m><p type='homepage' src='" + m_server->url("/own").toEncoded() + "'/></m>"));
+    QCOMPARE(run({}), 0);
+    QCOMPARE(run({m_server->url("/given").toString()}), 0);
+    QCOMPARE(run({}), 0);
+    QCOMPARE(told(), QStringList({"own", "given", "own"}));
+}
+
+void TestKavroBoxPages::aMalformedManifestIsSaidAndTheBoxStarts()
+{
+    QVERIFY(writeFile(manifest(), "<m><p type='homepage'>"));
+    QCOMPARE(run({"--exit-after", "0.3", m_server->url().toString()}), 0);
+    QCOMPARE(contentOf(manifest()), QByteArray("<m><p type='homepage'>"));
+    QVERIFY(
+        m_program->errors().contains("kavro-box: /sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml is malformed ("));
+    QVERIFY(m_program->errors().contains("Malformed Manifest\n"));
+    QCOMPARE(QImage(m_picture).size(), QSize(1920, 1080));
+}
+
+void TestKavroBoxPages::tracingLastsForOneRun_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::newRow("no level set") << QByteArray();
+    QTest::newRow("a level set") << QByteArray("0\n");
+}
+
+void TestKavroBoxPages::tracingLastsForOneRun()
+{
+    QFETCH(QByteArray, before);
+    if (!before.isEmpty())
+        QVERIFY(writeFile(m_box + traceLevel, before));
+    m_server->serve("/", page("StbDisplay.GetAlphaLevel(); tell('called');"));
+    begin({"--trace", m_server->url().toString()});
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("called"), 10000);
+    QCOMPARE(contentOf(m_box + traceLevel), QByteArray("1\n"));
+    m_program->terminate();
+    QCOMPARE(m_program->finish(), 0);
+    QVERIFY2(m_program->errors().contains("\"StbDisplay.GetAlphaLevel()\""), m_program->errors().constData());
+    QCOMPARE(QFile::exists(m_box + traceLevel), !before.isEmpty());
+    QCOMPARE(contentOf(m_box + traceLevel), before);
+}
+
+void TestKavroBoxPages::theModelIsTheOneGiven()
+{
+    m_server->serve("/", page("tell(StbDisplay.DeviceModel); leave();"));
+    QCOMPARE(run({m_server->url().toString()}), 0);
+    QCOMPARE(run({"--model", "Test 1", m_server->url().toString()}), 0);
+    QCOMPARE(told(), QStringList({"MZ-600 desk", "Test 1"}));
+}
+
+void TestKavroBoxPages::theOutputIsThePluginsAlone()
+{
+    m_server->serve("/", page("StbDisplay.Debug('Привет'); leave();"));
+    QCOMPARE(run({"--trace", m_server->url().toString()}), 0);
+    QCOMPARE(m_program->output(), QByteArray("debugПривет\n"));
+    QCOMPARE(m_program->errors().count("kavro-box: "), 1);
+    QVERIFY2(m_program->errors().contains("Привет"), m_program->errors().constData());
+}
+
+QTEST_GUILESS_MAIN(TestKavroBoxPages)
+
+#include "tst_kavroboxpages.moc"
