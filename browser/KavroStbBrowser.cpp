@@ -13,6 +13,7 @@
 #include "browser/UserAgentWebPage.h"
 #include "common/other/tools.h"
 #include "config/PluginConfigParser.h"
+#include "jsapi/LocalStorage.h"
 #include "jsapi/StbDisplay.h"
 #include "jsapi/StbMedia.h"
 #include "jsapi/StbPVR.h"
@@ -135,7 +136,12 @@ void KavroStbBrowser::createScriptObjects()
 
 void KavroStbBrowser::createPage()
 {
+    // The engine decides where a page's storage is kept when it makes the page, before the page can switch it on.
+    QWebSettings *settings = QWebSettings::globalSettings();
+    const QString storagePath = settings->localStoragePath();
+    settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
     setPage(new UserAgentWebPage(this));
+    settings->setLocalStoragePath(storagePath);
     StbWebNam *network = new StbWebNam(this);
     page()->setNetworkAccessManager(network);
     connect(network, SIGNAL(sslErrors(QNetworkReply *, QList<QSslError>)),

@@ -8,6 +8,7 @@
 #include "browser/JsApiTracer.h"
 #include "jsapi/BootParameters.h"
 #include "jsapi/DeviceIdentity.h"
+#include "jsapi/LocalStorage.h"
 #include "jsapi/Reboot.h"
 
 #include <QWebSettings>
@@ -84,7 +85,7 @@ int StbDisplay::EnableHtml5LocalStorage(bool isEnabled)
     QWebSettings *settings = QWebSettings::globalSettings();
     settings->setAttribute(QWebSettings::LocalStorageEnabled, isEnabled);
     if (isEnabled)
-        settings->setLocalStoragePath(QLatin1String("/home/user/config/html5localstorage"));
+        settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
     return 0;
 }
 
