@@ -1,0 +1,39 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QTcpServer>
+#include <QTcpSocket>
+
+/// A server on loopback that answers whatever it is asked with the same bytes and closes the connection, for answers
+/// that no proper server gives.
+class RawServer : public QTcpServer
+{
+    Q_OBJECT
+
+public:
+    explicit RawServer(const QByteArray &answer)
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this, answer] {
+            QTcpSocket *socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            connect(socket, &QTcpSocket::readyRead, socket, [socket, answer] {
+                if (!socket->readAll().contains("\r\n\r\n"))
+                    return;
+                socket->write(answer);
+                socket->disconnectFromHost();
+            });
+        });
+    }
+
+    QString url() const { return QString("http://127.0.0.1:%1/stream.ts").arg(serverPort()); }
+
+    /// An answer that promises more bytes than it brings.
+    static QByteArray cutOff(const QByteArray &body, int promised)
+    {
+        return "HTTP/1.1 200 OK\r\nContent-Type: video/mp4\r\nContent-Length: " + QByteArray::number(promised)
+            + "\r\nConnection: close\r\n\r\n" + body;
+    }
+};

@@ -1,0 +1,263 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DeskEvents.h"
+#include "RawServer.h"
+
+#include "platform/desktop/DeskBox.h"
+
+#include "tests/support/HttpServer.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+#include <array>
+
+namespace {
+
+constexpr char bootParameters[] = "/home/user/config/boot_params";
+constexpr char image[] = "/home/user/firmware/image";
+constexpr char storeForever[] = "store-forever";
+constexpr char tellSerialNumber[] = "tell-serial-number";
+constexpr int kills = 12;
+
+QByteArray textOf(int (*get)(char **))
+{
+    char *text = nullptr;
+    if (get(&text) != KVR_OK)
+        return {};
+    const QByteArray result = text;
+    free(text);
+    return result;
+}
+
+QByteArray bootParameter(const char *key)
+{
+    std::array<char, 256> buffer;
+    buffer.fill('x');
+    KVR_GetBootParamValue(key, buffer.data());
+    return QByteArray(buffer.data());
+}
+
+QByteArray contentOf(const char *name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// What the child process of the kill test does: two parameters that always go together, over and over.
+int storeParametersForever()
+{
+    for (int i = 0;; ++i) {
+        const std::string value(static_cast<std::size_t>(1 + i % 255), static_cast<char>('a' + i % 26));
+        KVR_SetBootParamValue("hdmi_config", value.c_str());
+        KVR_SyncBootParams();
+    }
+}
+
+} // namespace
+
+/// The desk box's identity, boot parameters, outputs and firmware.
+class TestDeskDevice : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theDeviceSaysWhoItIs();
+    void theSerialNumberIsTheBoxs();
+    void bootParametersAreKept_data();
+    void bootParametersAreKept();
+    void wrongBootParametersAreRefused();
+    void anUnknownBootParameterIsAnEmptyText();
+    void synchronisingSaysSoWhenTheFileIsThere();
+    void aKillLeavesTheOldOrTheNewParameters();
+    void outputsAndHdmiTellOfChanges();
+    void aWholeImageIsInstalled();
+    void anImageThatDidNotArriveIsNotInstalled_data();
+    void anImageThatDidNotArriveIsNotInstalled();
+    void oneUpgradeAtATime();
+};
+
+void TestDeskDevice::theDeviceSaysWhoItIs()
+{
+    QCOMPARE(textOf(KVR_GetDeviceModel), QByteArray("MZ-600 desk"));
+    DeskBox::setDeviceModel("XY-100");
+    QCOMPARE(textOf(KVR_GetDeviceModel), QByteArray("XY-100"));
+    QCOMPARE(textOf(KVR_GetFirmwareVersion), QByteArray("1.1.4"));
+    QCOMPARE(KVR_GetDeviceModel(nullptr), int(KVR_ERR_INVALID_ARGUMENT));
+}
+
+void TestDeskDevice::theSerialNumberIsTheBoxs()
+{
+    const QByteArray serial = textOf(KVR_GetDeviceSerialNumber);
+    QVERIFY(!serial.isEmpty());
+    QProcess other;
+    other.start(QCoreApplication::applicationFilePath(), {tellSerialNumber});
+    QVERIFY(other.waitForFinished());
+    QCOMPARE(other.readAllStandardOutput(), serial);
+}
+
+void TestDeskDevice::bootParametersAreKept_data()
+{
+    QTest::addColumn<QByteArray>("key");
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("plain") << QByteArray("buf_time_udp") << QByteArray("500");
+    QTest::newRow("empty value") << QByteArray("hdmi_config") << QByteArray();
+    QTest::newRow("line break and separators") << QByteArray("a=b%c\n") << QByteArray("1=2%3d\r\n4");
+    QTest::newRow("longest") << QByteArray("buf_time_hls") << QByteArray(255, 'x');
+    QTest::newRow("UTF-8") << QByteArray("имя") << QByteArray("значение");
+}
+
+void TestDeskDevice::bootParametersAreKept()
+{
+    QFETCH(QByteArray, key);
+    QFETCH(QByteArray, value);
+    QCOMPARE(KVR_SetBootParamValue(key, value), int(KVR_OK));
+    QCOMPARE(bootParameter(key), value);
+    QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
+
+    QProcess other;
+    other.start(QCoreApplication::applicationFilePath(), {"tell-boot-parameter", QString::fromUtf8(key)});
+    QVERIFY(other.waitForFinished());
+    QCOMPARE(other.readAllStandardOutput(), value);
+}
+
+void TestDeskDevice::wrongBootParametersAreRefused()
+{
+    QCOMPARE(KVR_SetBootParamValue("hdmi_config", "1"), int(KVR_OK));
+    QCOMPARE(KVR_SetBootParamValue("hdmi_config", QByteArray(256, 'x')), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetBootParamValue("", "1"), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetBootParamValue(nullptr, "1"), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetBootParamValue("hdmi_config", nullptr), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(bootParameter("hdmi_config"), QByteArray("1"));
+}
+
+void TestDeskDevice::anUnknownBootParameterIsAnEmptyText()
+{
+    std::array<char, 256> buffer;
+    buffer.fill('x');
+    QCOMPARE(KVR_GetBootParamValue("nothing", buffer.data()), int(KVR_ERR_FAILED));
+    QCOMPARE(buffer[0], '\0');
+}
+
+void TestDeskDevice::synchronisingSaysSoWhenTheFileIsThere()
+{
+    const DeskEvents events(KVR_BOX);
+    KVR_SetBootParamValue("buf_time_http", "1234");
+    QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
+    QVERIFY(contentOf(bootParameters).contains("buf_time_http=1234\n"));
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_SYNC_DONE), 1);
+    QCOMPARE(DeskEvents::of(KVR_EVENT_SYNC_DONE).first().argument, int(KVR_BOX));
+}
+
+void TestDeskDevice::aKillLeavesTheOldOrTheNewParameters()
+{
+    for (int i = 0; i < kills; ++i) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(), {storeForever});
+        QVERIFY(writer.waitForStarted());
+        const QByteArray before = contentOf(bootParameters);
+        QTRY_VERIFY(contentOf(bootParameters) != before);
+        QTest::qWait(i); // at another point of its work each time
+        writer.kill();
+        QVERIFY(writer.waitForFinished());
+
+        const QByteArray content = contentOf(bootParameters);
+        QVERIFY(content.endsWith('\n'));
+        const int begin = content.indexOf("hdmi_config=");
+        QVERIFY(begin >= 0);
+        const QByteArray value = content.mid(begin + 12, content.indexOf('\n', begin) - begin - 12);
+        QVERIFY(!value.isEmpty());
+        QCOMPARE(value, QByteArray(value.size(), value[0]));
+        QVERIFY2(content.contains("buf_time_http=1234\n"), "a parameter that was not touched");
+    }
+}
+
+void TestDeskDevice::outputsAndHdmiTellOfChanges()
+{
+    const DeskEvents events(KVR_BOX);
+    QCOMPARE(KVR_GetHdmiState(), int(KVR_HDMI_ACTIVE));
+    QCOMPARE(KVR_IsOutportsEnabled(), 1);
+    DeskBox::setHdmiState(KVR_HDMI_UNPLUGGED);
+    DeskBox::setHdmiState(KVR_HDMI_UNPLUGGED);
+    DeskBox::setOutputsEnabled(false);
+    QCOMPARE(KVR_GetHdmiState(), int(KVR_HDMI_UNPLUGGED));
+    QCOMPARE(KVR_IsOutportsEnabled(), 0);
+    QTRY_COMPARE(DeskEvents::all().size(), 3);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_HDMI), 1);
+    QCOMPARE(DeskEvents::of(KVR_EVENT_HDMI).first().argument, int(KVR_HDMI_UNPLUGGED));
+    QCOMPARE(DeskEvents::of(KVR_EVENT_OUTPUT_PORTS).first().argument, 0);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_OUTPUT_STATE), 1);
+}
+
+void TestDeskDevice::aWholeImageIsInstalled()
+{
+    const QByteArray firmware = QByteArray("firmware").repeated(100000);
+    HttpServer server;
+    server.serve("/image.bin", HttpServer::Page{firmware, "application/octet-stream"});
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/image.bin").toEncoded()), int(KVR_OK));
+    QTRY_VERIFY(log.text().contains(" done"));
+    QCOMPARE(contentOf(image), firmware);
+    QCOMPARE(log.text().count('\n'), 2);
+    QCOMPARE(QDir("/home/user/firmware").entryList(QDir::Files), QStringList("image"));
+}
+
+void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("not found") << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nnone") << "404";
+    QTest::newRow("cut off") << RawServer::cutOff("half", 8) << "4 bytes remaining";
+    QTest::newRow("empty") << RawServer::cutOff("", 0) << "0 of 0 bytes";
+    QTest::newRow("size unknown") << QByteArray("HTTP/1.1 200 OK\r\n\r\nsome") << "Content-Length";
+    QTest::newRow("closed at once") << QByteArray() << "Empty reply";
+    QTest::newRow("to another scheme") << QByteArray("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\n\r\n")
+                                       << "rotocol";
+}
+
+void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, reason);
+    const QByteArray before = contentOf(image);
+    QVERIFY(!before.isEmpty());
+    const RawServer server(answer);
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware(server.url().toUtf8()), int(KVR_OK));
+    QTRY_VERIFY(log.text().contains(" failed: "));
+    QVERIFY2(log.text().contains(reason), qPrintable(log.text()));
+    QCOMPARE(contentOf(image), before);
+    QCOMPARE(QDir("/home/user/firmware").entryList(QDir::Files), QStringList("image"));
+}
+
+void TestDeskDevice::oneUpgradeAtATime()
+{
+    HttpServer server;
+    server.fallSilent();
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/slow").toEncoded()), int(KVR_OK));
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/slow").toEncoded()), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_UpgradeFirmware(""), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_UpgradeFirmware(nullptr), int(KVR_ERR_INVALID_ARGUMENT));
+}
+
+int main(int argc, char *argv[])
+{
+    const QByteArray role = argc > 1 ? argv[1] : "";
+    if (role == storeForever)
+        return storeParametersForever();
+    if (role == tellSerialNumber)
+        return std::fputs(textOf(KVR_GetDeviceSerialNumber), stdout) < 0;
+    if (role == "tell-boot-parameter" && argc == 3)
+        return std::fputs(bootParameter(argv[2]), stdout) < 0;
+
+    QCoreApplication application(argc, argv);
+    TestDeskDevice test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_deskdevice.moc"
