@@ -3,6 +3,10 @@
 
 #include "Box.h"
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 using namespace Desk;
 
 namespace {
@@ -11,6 +15,12 @@ namespace {
 constexpr std::chrono::seconds longestFarewell{2};
 
 } // namespace
+
+Box::Box()
+{
+    // What goes wrong is told by us; the library would write to standard error on its own.
+    av_log_set_level(AV_LOG_QUIET);
+}
 
 void Box::finish()
 {

@@ -18,6 +18,8 @@ namespace Desk {
 /// The state of the desk box: what the KVR_ functions and the DeskBox functions work on.
 struct Box
 {
+    Box();
+
     EventRegistry events;
     ScreenNotifier screen;
     GraphicsState graphics{screen};

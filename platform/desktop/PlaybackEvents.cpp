@@ -237,6 +237,9 @@ void Playback::selectRequestedTracks()
             log("player " + std::to_string(m_model.id()) + ": no track with PID " + std::to_string(row.pid) + " in "
                 + m_request.address);
     }
+    const Track *subtitles = status.tracks->external(TrackKind::Subtitle);
+    if (subtitles && m_request.subtitlePid < 0)
+        selectTrack("sid", subtitles->playerId);
     if (const Track *teletext = status.tracks->find(TrackKind::Teletext, status.teletextPid))
         showTeletext(status.teletextVisible, teletext->playerId, status.teletextPage);
 }

@@ -91,8 +91,6 @@ std::string StreamCopy::reasonOf(int error) const
 
 std::string StreamCopy::openSource()
 {
-    // What goes wrong is told by us; libavformat would write to standard error on its own.
-    av_log_set_level(AV_LOG_QUIET);
     m_deadline = Clock::now() + patience;
     m_source = avformat_alloc_context();
     if (!m_source)

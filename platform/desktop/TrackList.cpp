@@ -63,7 +63,7 @@ std::string description(const mpv_node &node, TrackKind kind, const std::string 
     std::string result = text(node, "lang");
     if (!result.empty())
         result += ", ";
-    result += codec;
+    result += codec.empty() ? "unknown" : codec;
     if (kind == TrackKind::Video && number(node, "demux-w") > 0)
         result += ", " + std::to_string(number(node, "demux-w")) + "x" + std::to_string(number(node, "demux-h"));
     if (kind == TrackKind::Audio && number(node, "demux-channel-count") > 0)
@@ -83,6 +83,7 @@ Track trackOf(const mpv_node &node)
     track.kind = kindOf(text(node, "type"), codec);
     track.playerId = number(node, "id");
     track.selected = flag(node, "selected");
+    track.external = flag(node, "external");
     track.entry.id = number(node, "src-id");
     track.entry.supported = decoder ? 1 : 0;
     track.entry.encoding =
@@ -107,7 +108,7 @@ TrackList::TrackList(const mpv_node &list)
         const mpv_node &node = list.u.list->values[i];
         m_tracks.push_back(trackOf(node));
         // What a separate file numbers is not this stream's.
-        if (flag(node, "external"))
+        if (m_tracks.back().external)
             m_tracks.back().entry.id = 0;
         ++uses[m_tracks.back().entry.id];
     }
@@ -128,24 +129,31 @@ std::vector<KVR_Track> TrackList::entries(TrackKind kind) const
     return result;
 }
 
+template <typename Test>
+const Track *TrackList::firstThat(Test test) const
+{
+    const auto track = std::find_if(m_tracks.begin(), m_tracks.end(), test);
+    return track == m_tracks.end() ? nullptr : &*track;
+}
+
 const Track *TrackList::find(TrackKind kind, int pid) const
 {
-    const auto track = std::find_if(m_tracks.begin(), m_tracks.end(),
-                                    [=](const Track &t) { return t.kind == kind && t.entry.id == pid; });
-    return track == m_tracks.end() ? nullptr : &*track;
+    return firstThat([=](const Track &track) { return track.kind == kind && track.entry.id == pid; });
 }
 
 const Track *TrackList::selected(TrackKind kind) const
 {
-    const auto track =
-        std::find_if(m_tracks.begin(), m_tracks.end(), [=](const Track &t) { return t.kind == kind && t.selected; });
-    return track == m_tracks.end() ? nullptr : &*track;
+    return firstThat([=](const Track &track) { return track.kind == kind && track.selected; });
 }
 
 const Track *TrackList::first(TrackKind kind) const
 {
-    const auto track = std::find_if(m_tracks.begin(), m_tracks.end(), [=](const Track &t) { return t.kind == kind; });
-    return track == m_tracks.end() ? nullptr : &*track;
+    return firstThat([=](const Track &track) { return track.kind == kind; });
+}
+
+const Track *TrackList::external(TrackKind kind) const
+{
+    return firstThat([=](const Track &track) { return track.kind == kind && track.external; });
 }
 
 bool TrackList::sameTracks(const TrackList &other, TrackKind kind) const

@@ -17,7 +17,8 @@ struct Track
     TrackKind kind = TrackKind::Video;
     int playerId = 0; ///< the number by which the player core chooses it, among those of its kind
     bool selected = false;
-    KVR_Track entry = {}; ///< as the KVR_ functions hand it out
+    bool external = false; ///< from a file of its own
+    KVR_Track entry = {};  ///< as the KVR_ functions hand it out
 };
 
 /// The tracks of what a player plays.
@@ -34,11 +35,15 @@ public:
     const Track *find(TrackKind kind, int pid) const;
     const Track *selected(TrackKind kind) const;
     const Track *first(TrackKind kind) const;
+    const Track *external(TrackKind kind) const;
 
     /// Whether the tracks of a kind are the same, chosen or not.
     bool sameTracks(const TrackList &other, TrackKind kind) const;
 
 private:
+    template <typename Test>
+    const Track *firstThat(Test test) const;
+
     std::vector<Track> m_tracks;
 };
 

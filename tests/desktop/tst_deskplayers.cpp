@@ -1,0 +1,535 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DeskEvents.h"
+#include "PlayerPicture.h"
+#include "TestMedia.h"
+
+#include "platform/desktop/DeskBox.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+#include <cmath>
+
+namespace {
+
+constexpr char bars[] = "/mnt/stb/bars.ts";
+constexpr char film[] = "/mnt/stb/film.mkv";
+constexpr char wide[] = "/mnt/stb/wide.mkv";
+constexpr char narrow[] = "/mnt/stb/narrow.mkv";
+constexpr int barsSeconds = 12;
+constexpr int frameTime = 40; // milliseconds
+const QColor blue(0x20, 0x40, 0xc0);
+
+using ListTracks = int (*)(KVR_ID, KVR_Track **, int *);
+
+QStringList tracks(KVR_ID id, ListTracks list)
+{
+    KVR_Track *array = nullptr;
+    int count = 0;
+    if (list(id, &array, &count) != KVR_OK)
+        return {"failed"};
+    QStringList result;
+    for (int i = 0; i < count; ++i) {
+        result += QString("%1 %2 %3 %4")
+                      .arg(array[i].id)
+                      .arg(QString::fromLatin1(array[i].descr))
+                      .arg(array[i].supported)
+                      .arg(array[i].encoding);
+    }
+    free(array);
+    return result;
+}
+
+int playFile(KVR_ID id, const char *path, long long position = 0, const char *subtitles = "")
+{
+    return KVR_PlayFile(id, path, position, 0, 0, subtitles, -1, -1, -1);
+}
+
+} // namespace
+
+/// What players make of files.
+class TestDeskPlayers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void aFilePlaysToItsEnd();
+    void aFilePlaysFromAPosition();
+    void tracksAreTheStreams();
+    void theTracksToBeginWithCanBeChosen();
+    void anAudioTrackIsChosenByItsPid();
+    void pauseHoldsAndContinueGoesOn();
+    void nextFrameShowsOneFrame();
+    void aSeekGoesWhereItShould_data();
+    void aSeekGoesWhereItShould();
+    void speedMovesThePosition_data();
+    void speedMovesThePosition();
+    void playingBackwardsEndsAtTheBeginning();
+    void nothingLoadedMeansInvalidState();
+    void wrongArgumentsAreRefused();
+    void aNewFileReplacesTheOldOne();
+    void positionEventsComeTwiceASecond();
+    void volumeMuteAndZoomAreKeptAndTold();
+    void pictureFillsTheWindowAsTheDisplayModeSays_data();
+    void pictureFillsTheWindowAsTheDisplayModeSays();
+    void zoomScalesThePicture();
+    void aPausedPictureFollowsItsWindow();
+    void aHiddenWindowGetsItsPictureBack();
+    void subtitlesAreChosenShownAndHidden();
+    void anExternalSubtitleFileIsShown();
+    void anUndecodableTrackIsToldApart();
+    void aPlayerWithoutAnythingHasNoPicture();
+
+private:
+    KVR_ID m_id = -1;
+};
+
+void TestDeskPlayers::initTestCase()
+{
+    QVERIFY(TestMedia::makeBars(bars, barsSeconds));
+    QVERIFY(TestMedia::makeFilm(film, 10));
+    QVERIFY(TestMedia::makeColor(wide, blue, "640x360", 10));
+    QVERIFY(TestMedia::makeColor(narrow, blue, "480x360", 10));
+}
+
+void TestDeskPlayers::init()
+{
+    m_id = KVR_CreatePlayer();
+    QVERIFY(m_id > 0);
+}
+
+void TestDeskPlayers::cleanup()
+{
+    KVR_ClosePlayer(m_id);
+}
+
+void TestDeskPlayers::aFilePlaysToItsEnd()
+{
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
+    QCOMPARE(playFile(m_id, bars, 10000), int(KVR_OK));
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QVERIFY(qAbs(KVR_GetDuration(m_id) - barsSeconds * 1000) < 200);
+    QCOMPARE(KVR_GetFps(m_id), 25.0);
+    QTRY_VERIFY(!playerPicture(m_id).isNull());
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+    QCOMPARE(KVR_GetPosition(m_id), 0LL);
+    QCOMPARE(KVR_GetDuration(m_id), 0LL);
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_STATE), 3);
+    QVERIFY(DeskEvents::count(KVR_EVENT_METADATA) >= 1);
+    QVERIFY(DeskEvents::count(KVR_EVENT_VIDEO) >= 1);
+    QVERIFY(DeskEvents::count(KVR_EVENT_AUDIO) >= 1);
+    for (const DeskEvents::Event &event : DeskEvents::all())
+        QCOMPARE(event.argument, m_id);
+}
+
+void TestDeskPlayers::aFilePlaysFromAPosition()
+{
+    playFile(m_id, bars, 6000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QTRY_VERIFY(KVR_GetPosition(m_id) >= 5900);
+    QVERIFY(KVR_GetPosition(m_id) < 8000);
+}
+
+void TestDeskPlayers::tracksAreTheStreams()
+{
+    QCOMPARE(tracks(m_id, KVR_GetAudioTrackList), QStringList());
+    QCOMPARE(KVR_GetVideoPid(m_id), int(KVR_ERR_FAILED));
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(tracks(m_id, KVR_GetVideoTrackList), QStringList("512 h264, 640x360 1 0"));
+    QCOMPARE(tracks(m_id, KVR_GetAudioTrackList), QStringList({"650 rus, mp2, 1 ch 1 0", "651 eng, mp2, 1 ch 1 0"}));
+    QCOMPARE(tracks(m_id, KVR_GetSubtitleTrackList), QStringList());
+    QCOMPARE(tracks(m_id, KVR_GetTeletextTrackList), QStringList());
+    QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+    QCOMPARE(KVR_GetAudioPid(m_id), TestMedia::russianPid);
+    QCOMPARE(KVR_GetSubtitlePid(m_id), int(KVR_ERR_FAILED));
+    QCOMPARE(KVR_GetTeletextPid(m_id), int(KVR_ERR_FAILED));
+}
+
+void TestDeskPlayers::theTracksToBeginWithCanBeChosen()
+{
+    QCOMPARE(KVR_PlayFile(m_id, bars, 0, 0, 0, "", -1, TestMedia::englishPid, -1), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetAudioPid(m_id), TestMedia::englishPid);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+}
+
+void TestDeskPlayers::anAudioTrackIsChosenByItsPid()
+{
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_SetAudioPid(m_id, TestMedia::englishPid), int(KVR_OK));
+    QCOMPARE(KVR_GetAudioPid(m_id), TestMedia::englishPid);
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_AUDIO), 1);
+    QCOMPARE(KVR_SetAudioPid(m_id, TestMedia::videoPid), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetAudioPid(m_id, -1), int(KVR_OK));
+    QCOMPARE(KVR_GetAudioPid(m_id), int(KVR_ERR_FAILED));
+    QTest::qWait(500); // what the player itself reports must agree
+    QCOMPARE(KVR_GetAudioPid(m_id), int(KVR_ERR_FAILED));
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+}
+
+void TestDeskPlayers::pauseHoldsAndContinueGoesOn()
+{
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_Pause(m_id), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    QTest::qWait(100);
+    const long long held = KVR_GetPosition(m_id);
+    QTest::qWait(300);
+    QCOMPARE(KVR_GetPosition(m_id), held);
+    QCOMPARE(KVR_Continue(m_id), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QTRY_VERIFY(KVR_GetPosition(m_id) > held + 200);
+    QVERIFY(KVR_GetPosition(m_id) < held + 2000);
+}
+
+void TestDeskPlayers::nextFrameShowsOneFrame()
+{
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    KVR_Pause(m_id);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    QTest::qWait(200);
+    for (int i = 0; i < 3; ++i) {
+        const long long before = KVR_GetPosition(m_id);
+        const QImage picture = playerPicture(m_id);
+        QCOMPARE(KVR_NextFrame(m_id), int(KVR_OK));
+        QTRY_COMPARE(KVR_GetPosition(m_id), before + frameTime);
+        QTRY_VERIFY(playerPicture(m_id) != picture);
+        QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    }
+}
+
+void TestDeskPlayers::aSeekGoesWhereItShould_data()
+{
+    QTest::addColumn<bool>("paused");
+    QTest::addColumn<long long>("target");
+    QTest::addColumn<long long>("reached");
+    QTest::newRow("forward, playing") << false << 8000LL << 8000LL;
+    QTest::newRow("backward, playing") << false << 1000LL << 1000LL;
+    QTest::newRow("forward, paused") << true << 8000LL << 8000LL;
+    QTest::newRow("not a key frame, paused") << true << 6480LL << 6480LL;
+    QTest::newRow("to the beginning") << true << 0LL << 0LL;
+}
+
+void TestDeskPlayers::aSeekGoesWhereItShould()
+{
+    QFETCH(bool, paused);
+    QFETCH(long long, target);
+    QFETCH(long long, reached);
+    playFile(m_id, bars, 4000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    if (paused) {
+        KVR_Pause(m_id);
+        QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    }
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_SetPosition(m_id, target), int(KVR_OK));
+    QTRY_VERIFY(DeskEvents::count(KVR_EVENT_POSITION) >= 1);
+    QTest::qWait(200);
+    const long long position = KVR_GetPosition(m_id);
+    QVERIFY2(position >= reached && position <= reached + (paused ? frameTime : 1000),
+             qPrintable(QString::number(position)));
+}
+
+void TestDeskPlayers::speedMovesThePosition_data()
+{
+    QTest::addColumn<int>("speed");
+    QTest::newRow("normal") << 1;
+    QTest::newRow("twice") << 2;
+    QTest::newRow("four times") << 4;
+    QTest::newRow("backwards") << -1;
+    QTest::newRow("twice backwards") << -2;
+    QTest::newRow("four times backwards") << -4;
+}
+
+void TestDeskPlayers::speedMovesThePosition()
+{
+    QFETCH(int, speed);
+    playFile(m_id, bars, speed > 0 ? 0 : 11000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QTRY_VERIFY(KVR_GetPosition(m_id) > 0);
+    QCOMPARE(KVR_SetSpeed(m_id, speed), int(KVR_OK));
+    QCOMPARE(KVR_GetSpeed(m_id), speed);
+    QTest::qWait(300); // until the change has taken effect
+    QElapsedTimer timer;
+    timer.start();
+    const long long before = KVR_GetPosition(m_id);
+    const QImage picture = playerPicture(m_id);
+    QTest::qWait(1200);
+    const double measured = double(KVR_GetPosition(m_id) - before) / double(timer.elapsed());
+    QVERIFY2(std::abs(measured - speed) < 0.3 * std::abs(speed), qPrintable(QString::number(measured)));
+    QVERIFY(playerPicture(m_id) != picture);
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+
+    QCOMPARE(KVR_Continue(m_id), int(KVR_OK));
+    QCOMPARE(KVR_GetSpeed(m_id), 1);
+    QTest::qWait(500);
+    timer.start();
+    const long long here = KVR_GetPosition(m_id);
+    QTest::qWait(500);
+    const double normal = double(KVR_GetPosition(m_id) - here) / double(timer.elapsed());
+    QVERIFY2(std::abs(normal - 1) < 0.3, qPrintable(QString::number(normal)));
+}
+
+void TestDeskPlayers::playingBackwardsEndsAtTheBeginning()
+{
+    playFile(m_id, bars, 3000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_SetSpeed(m_id, -8), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+}
+
+void TestDeskPlayers::nothingLoadedMeansInvalidState()
+{
+    QCOMPARE(KVR_Pause(m_id), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_Continue(m_id), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_NextFrame(m_id), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_SetPosition(m_id, 1000), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_SetSpeed(m_id, 2), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_GetSpeed(m_id), 1);
+    QCOMPARE(KVR_GetPosition(m_id), 0LL);
+    QCOMPARE(KVR_GetFps(m_id), 0.0);
+    QCOMPARE(KVR_Stop(m_id), int(KVR_OK));
+}
+
+void TestDeskPlayers::wrongArgumentsAreRefused()
+{
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_SetSpeed(m_id, 0), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetSpeed(m_id, 101), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetPosition(m_id, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetZoom(m_id, 0.05), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetZoom(m_id, qQNaN()), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetTeletextPage(m_id, 99), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_SetTeletextPage(m_id, 900), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(playFile(m_id, nullptr), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(playFile(m_id, "relative.ts"), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(playFile(m_id, bars, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(playFile(m_id, bars, 0, nullptr), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayStream(m_id, "", -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayHttp(m_id, "http://127.0.0.1/", nullptr, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayRtsp(m_id, "rtsp://127.0.0.1/", 0, 2, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+}
+
+void TestDeskPlayers::aNewFileReplacesTheOldOne()
+{
+    playFile(m_id, bars, 8000);
+    QTRY_VERIFY(KVR_GetPosition(m_id) >= 8000);
+    playFile(m_id, film);
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
+    QCOMPARE(KVR_GetPosition(m_id), 0LL);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QVERIFY(KVR_GetPosition(m_id) < 3000);
+    QCOMPARE(tracks(m_id, KVR_GetVideoTrackList).size(), 1);
+    QVERIFY(KVR_GetVideoPid(m_id) != TestMedia::videoPid);
+    // Only the last of several in a row counts.
+    for (int i = 0; i < 5; ++i)
+        playFile(m_id, i % 2 ? film : wide);
+    playFile(m_id, bars, 5000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+    QTRY_VERIFY(KVR_GetPosition(m_id) >= 5000);
+}
+
+void TestDeskPlayers::positionEventsComeTwiceASecond()
+{
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    const DeskEvents events(m_id);
+    QTest::qWait(3000);
+    const auto times = DeskEvents::of(KVR_EVENT_POSITION);
+    QVERIFY2(times.size() >= 5 && times.size() <= 7, qPrintable(QString::number(times.size())));
+    KVR_Pause(m_id);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    DeskEvents::clear();
+    QTest::qWait(1200);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_POSITION), 0);
+}
+
+void TestDeskPlayers::volumeMuteAndZoomAreKeptAndTold()
+{
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_SetVolume(m_id, 35), int(KVR_OK));
+    QCOMPARE(KVR_SetMute(m_id, 7), int(KVR_OK));
+    QCOMPARE(KVR_SetZoom(m_id, 1.5), int(KVR_OK));
+    QCOMPARE(KVR_GetVolume(m_id), 35);
+    QCOMPARE(KVR_IsMute(m_id), 1);
+    QCOMPARE(KVR_GetZoom(m_id), 1.5);
+    QTRY_COMPARE(DeskEvents::all().size(), 3);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_VOLUME), 1);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_MUTE), 1);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_ZOOM), 1);
+    KVR_SetVolume(m_id, 130);
+    QCOMPARE(KVR_GetVolume(m_id), 100);
+    KVR_SetVolume(m_id, -3);
+    QCOMPARE(KVR_GetVolume(m_id), 0);
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_GetVolume(m_id), 0);
+    QCOMPARE(KVR_GetZoom(m_id), 1.5);
+}
+
+void TestDeskPlayers::pictureFillsTheWindowAsTheDisplayModeSays_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QColor>("atLeftEdge");
+    QTest::newRow("letter box, same shape") << QByteArray(wide) << int(KVR_DISPLAY_LETTERBOX) << blue;
+    QTest::newRow("letter box, narrow picture")
+        << QByteArray(narrow) << int(KVR_DISPLAY_LETTERBOX) << QColor(Qt::black);
+    QTest::newRow("stretched, narrow picture") << QByteArray(narrow) << int(KVR_DISPLAY_STRETCH) << blue;
+    QTest::newRow("cropped, narrow picture") << QByteArray(narrow) << int(KVR_DISPLAY_CROP) << blue;
+}
+
+void TestDeskPlayers::pictureFillsTheWindowAsTheDisplayModeSays()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, mode);
+    QFETCH(QColor, atLeftEdge);
+    const KVR_Rect window = {100, 100, 640, 360};
+    KVR_SetPlayerViewPort(m_id, &window);
+    playFile(m_id, file);
+    QCOMPARE(KVR_SetPlayerDisplayMode(m_id, mode), int(KVR_OK));
+    QCOMPARE(KVR_GetPlayerDisplayMode(m_id), mode);
+    QTRY_VERIFY(!playerPicture(m_id).isNull() && isAbout(playerPicture(m_id).pixelColor(320, 180), blue));
+    QTRY_VERIFY(isAbout(playerPicture(m_id).pixelColor(5, 180), atLeftEdge));
+    QCOMPARE(playerPicture(m_id).size(), QSize(640, 360));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(320, 3), blue));
+}
+
+void TestDeskPlayers::zoomScalesThePicture()
+{
+    const KVR_Rect window = {0, 0, 640, 360};
+    KVR_SetPlayerViewPort(m_id, &window);
+    KVR_SetZoom(m_id, 0.5);
+    playFile(m_id, wide);
+    QTRY_VERIFY(!playerPicture(m_id).isNull() && isAbout(playerPicture(m_id).pixelColor(320, 180), blue));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(150, 180), Qt::black));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(170, 180), blue));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(320, 80), Qt::black));
+    KVR_SetZoom(m_id, 1.0);
+    QTRY_VERIFY(isAbout(playerPicture(m_id).pixelColor(5, 5), blue));
+}
+
+void TestDeskPlayers::aPausedPictureFollowsItsWindow()
+{
+    playFile(m_id, wide);
+    QTRY_VERIFY(!playerPicture(m_id).isNull());
+    KVR_Pause(m_id);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    const KVR_Rect window = {0, 0, 320, 180};
+    KVR_SetPlayerViewPort(m_id, &window);
+    QTRY_COMPARE(playerPicture(m_id).size(), QSize(320, 180));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(160, 90), blue));
+}
+
+void TestDeskPlayers::aHiddenWindowGetsItsPictureBack()
+{
+    playFile(m_id, wide);
+    QTRY_VERIFY(!playerPicture(m_id).isNull());
+    QCOMPARE(KVR_SetPlayerVisible(m_id, 0), int(KVR_OK));
+    QCOMPARE(KVR_IsPlayerVisible(m_id), 0);
+    QVERIFY(!DeskBox::playerWindows().front().visible);
+    KVR_Pause(m_id);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    playFile(m_id, narrow);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    KVR_SetPlayerVisible(m_id, 1);
+    QTRY_VERIFY(!playerPicture(m_id).isNull() && isAbout(playerPicture(m_id).pixelColor(960, 540), blue));
+    KVR_SetPlayerAlphaLevel(m_id, 128);
+    QCOMPARE(DeskBox::playerWindows().front().alpha, 128);
+}
+
+void TestDeskPlayers::subtitlesAreChosenShownAndHidden()
+{
+    playFile(m_id, film);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    const QStringList list = tracks(m_id, KVR_GetSubtitleTrackList);
+    QCOMPARE(list.size(), 2);
+    QVERIFY(list[0].endsWith("rus, subrip 1 0"));
+    QVERIFY(list[1].endsWith("eng, subrip 1 0"));
+    const int russian = list[0].section(' ', 0, 0).toInt();
+    const int english = list[1].section(' ', 0, 0).toInt();
+    QCOMPARE(KVR_GetSubtitlePid(m_id), int(KVR_ERR_FAILED));
+    QTRY_VERIFY(!playerPicture(m_id).isNull());
+    QCOMPARE(whitePixels(playerPicture(m_id)), 0);
+
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_SetSubtitlePid(m_id, russian), int(KVR_OK));
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_SUBTITLES), 1);
+    QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 1000);
+    const int white = whitePixels(playerPicture(m_id));
+    QCOMPARE(KVR_SetSubtitlePid(m_id, english), int(KVR_OK));
+    QCOMPARE(KVR_GetSubtitlePid(m_id), english);
+    QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 2 * white);
+
+    QCOMPARE(KVR_IsSubtitlesVisible(m_id), 1);
+    QCOMPARE(KVR_SetSubtitlesVisible(m_id, 0), int(KVR_OK));
+    QCOMPARE(KVR_IsSubtitlesVisible(m_id), 0);
+    QTRY_COMPARE(whitePixels(playerPicture(m_id)), 0);
+    KVR_SetSubtitlesVisible(m_id, 1);
+    QTRY_VERIFY(whitePixels(playerPicture(m_id)) > white);
+    KVR_SetSubtitlePid(m_id, -1);
+    QTRY_COMPARE(whitePixels(playerPicture(m_id)), 0);
+}
+
+void TestDeskPlayers::anExternalSubtitleFileIsShown()
+{
+    constexpr char subtitles[] = "/mnt/stb/its, own: subtitles.srt";
+    QVERIFY(TestMedia::makeSubtitles(subtitles, "WWWWWWWW"));
+    playFile(m_id, wide, 0, subtitles);
+    QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 1000);
+    QVERIFY(KVR_GetSubtitlePid(m_id) > 0);
+    QCOMPARE(tracks(m_id, KVR_GetSubtitleTrackList).size(), 1);
+}
+
+void TestDeskPlayers::anUndecodableTrackIsToldApart()
+{
+    constexpr char patched[] = "/mnt/stb/patched.mkv";
+    QFile file(film);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray content = file.readAll();
+    const int codec = content.indexOf("A_MPEG/L2");
+    QVERIFY(codec > 0);
+    content.replace(codec, 9, "A_NONE/X0");
+    QFile copy(patched);
+    QVERIFY(copy.open(QIODevice::WriteOnly) && copy.write(content) == content.size());
+    copy.close();
+
+    playFile(m_id, patched);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    const QStringList list = tracks(m_id, KVR_GetAudioTrackList);
+    QCOMPARE(list.size(), 2);
+    QVERIFY2(list[0].endsWith("rus, unknown, 1 ch 0 0"), qPrintable(list[0]));
+    QVERIFY2(list[1].endsWith("eng, mp2, 1 ch 1 0"), qPrintable(list[1]));
+}
+
+void TestDeskPlayers::aPlayerWithoutAnythingHasNoPicture()
+{
+    QVERIFY(playerPicture(m_id).isNull());
+    playFile(m_id, wide);
+    QTRY_VERIFY(!playerPicture(m_id).isNull());
+    QCOMPARE(KVR_Stop(m_id), int(KVR_OK));
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
+    QVERIFY(playerPicture(m_id).isNull());
+    QTest::qWait(300);
+    QVERIFY(playerPicture(m_id).isNull());
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
+}
+
+QTEST_GUILESS_MAIN(TestDeskPlayers)
+#include "tst_deskplayers.moc"
