@@ -58,5 +58,7 @@ target_compile_definitions(kavrostbbrowser PRIVATE
 target_include_directories(kavrostbbrowser PRIVATE ${CMAKE_SOURCE_DIR} ${KAVRO_REVISION_DIR})
 target_link_libraries(kavrostbbrowser PRIVATE
     kavro_warnings stbapi_desktop Qt5::Gui Qt5::Network Qt5::WebKitWidgets Qt5::Widgets Qt5::Xml resolv)
+# A class that was left out above would otherwise only be missed when a launcher loads the plugin.
+target_link_options(kavrostbbrowser PRIVATE LINKER:-z,defs)
 add_dependencies(kavrostbbrowser kavro_revision)
 install(TARGETS kavrostbbrowser LIBRARY DESTINATION lib/kavro)
