@@ -13,8 +13,6 @@ namespace {
 const char script[] = R"js(
 (function () {
     'use strict';
-    var deliver = new Function('argument', 'code',
-        "if (typeof StbMedia.eventCallback != 'undefined') StbMedia.eventCallback(argument, code);");
     var reporter = document.createElement('i');
     var dispatch = reporter.dispatchEvent.bind(reporter);
     var createEvent = document.createEvent.bind(document);
@@ -23,7 +21,8 @@ const char script[] = R"js(
 
     StbMedia.occurred.connect(function (argument, code) {
         try {
-            deliver(argument, code);
+            if (typeof StbMedia.eventCallback != 'undefined')
+                StbMedia.eventCallback(argument, code);
         } catch (error) {
             thrown = error;
             var report = createEvent('Event');

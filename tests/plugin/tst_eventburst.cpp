@@ -109,8 +109,8 @@ void TestEventBurst::noEventIsLostWhileThePageChanges()
     const auto title = [this] { return m_session->plugin().evaluate("document.title").toString(); };
     const bool hasChanged = QTest::qWaitFor([&] { return title() == "Second"; }, 20000);
     pageHasChanged.release(threads);
-    QVERIFY(hasChanged);
     RecordingPlatform::waitUntilFired();
+    QVERIFY(hasChanged);
     QCoreApplication::processEvents();
 
     const QList<QByteArray> calls = m_session->takeOutcome().calls.split('\n');

@@ -39,7 +39,12 @@ private slots:
     void nothingElseIsCalledOrTraced();
 
     void theCallbackMayBeSetDirectly();
+    void theCallbackIsAMethodOfTwoNumbers();
+    void theCallbackIsLookedUpAnewEachTime();
     void theLatestCallbackIsCalled();
+    void aPageThatForbidsEvaluationHearsEvents_data();
+    void aPageThatForbidsEvaluationHearsEvents();
+    void aPageThatBreaksTheLanguageHearsEvents();
     void aPageWithoutCallbackHasNoErrors();
     void aCallbackThatIsNoFunctionHarmsNobody_data();
     void aCallbackThatIsNoFunctionHarmsNobody();
@@ -178,6 +183,70 @@ void TestPlayerEvents::theCallbackMayBeSetDirectly()
     fire(1, 2);
     deliver();
     QCOMPARE(evaluate("seen"), QString("[[1,2]]"));
+}
+
+void TestPlayerEvents::theCallbackIsAMethodOfTwoNumbers()
+{
+    evaluate("StbMedia.SetEventCallback(function () {"
+             "seen.push(this === StbMedia, arguments.length, typeof arguments[0], typeof arguments[1]); })");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString(R"([true,2,"number","number"])"));
+}
+
+// Such a policy stops pages, not the box.
+void TestPlayerEvents::aPageThatForbidsEvaluationHearsEvents_data()
+{
+    QTest::addColumn<QByteArray>("policy");
+    for (const char *const policy : {"script-src 'unsafe-inline'", "default-src 'none'; script-src 'unsafe-inline'",
+                                     "script-src 'unsafe-inline'; sandbox allow-scripts"})
+        QTest::newRow(policy) << QByteArray(policy);
+}
+
+void TestPlayerEvents::aPageThatForbidsEvaluationHearsEvents()
+{
+    QFETCH(QByteArray, policy);
+    HttpServer server;
+    HttpServer::Page strict = {QByteArray(page) + "<script>StbMedia.SetEventCallback(hear);</script>"};
+    strict.headers = {{"Content-Security-Policy", policy}};
+    server.serve("/", strict);
+    QVERIFY(m_session->plugin().load(server.url("/")));
+    HostedPlugin &plugin = m_session->plugin();
+    QCOMPARE(plugin.evaluate("try { eval('1') } catch (error) { 'refused' }").toString(), QString("refused"));
+    plugin.evaluate("StbMedia.onEvent = 'seen.push(StbMedia.GetPlayersCount())'");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(plugin.evaluate("JSON.stringify([seen, errors])").toString(), QString("[[[1,2],0],0]"));
+}
+
+void TestPlayerEvents::aPageThatBreaksTheLanguageHearsEvents()
+{
+    m_session->plugin().evaluate(
+        "StbMedia.SetEventCallback(function (argument, code) { seen[seen.length] = code; throw new Error('x'); });"
+        "Function.prototype.call = Function.prototype.apply = Function.prototype.bind = null; Function = null;"
+        "document.createElement = document.createEvent = null; Node.prototype.dispatchEvent = null;"
+        "EventTarget = null; Array.prototype.push = null; Object.defineProperty = null;"
+        "StbMedia.occurred = StbMedia.deliver = null");
+    fire(1, 2);
+    fire(1, 3);
+    deliver();
+    QCOMPARE(m_session->plugin().evaluate("seen.join() + ';' + errors").toString(), QString("2,3;2"));
+    QVERIFY(m_session->plugin().loadHtml(page));
+}
+
+// A page may put an object of its own in the place of the box's.
+void TestPlayerEvents::theCallbackIsLookedUpAnewEachTime()
+{
+    evaluate("StbMedia.SetEventCallback(hear)");
+    fire(1, 1);
+    deliver();
+    evaluate("boxMedia = StbMedia; StbMedia = {eventCallback: function () { seen.push(this === StbMedia); }}");
+    fire(1, 2);
+    deliver();
+    evaluate("StbMedia = boxMedia");
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("seen"), QString("[[1,1],true,[1,3]]"));
 }
 
 void TestPlayerEvents::theLatestCallbackIsCalled()
