@@ -103,7 +103,7 @@ void Playback::close(KVR_PlayerState state)
     m_magnetStream.setDownload(nullptr);
     m_magnet.reset();
     reportMulticast(false);
-    m_active = m_inCore = m_loaded = m_tracksSelected = m_started = false;
+    m_active = m_inCore = m_tracksSelected = m_started = false;
     m_buffering = m_seeking = m_failing = m_rewindSeeking = m_partlySeekable = false;
     m_duration = 0;
     m_entry = m_lastEntry = -1;

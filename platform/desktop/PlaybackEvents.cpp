@@ -83,9 +83,9 @@ void Playback::handle(const mpv_event &event)
         break;
     case MPV_EVENT_FILE_LOADED:
         if (m_inCore) {
-            m_loaded = true;
             m_model.changeFor(m_number, [](PlayerStatus &status) { status.loaded = true; });
-            selectRequestedTracks();
+            // Not before: the tracks of external files come last.
+            m_core.observe("track-list", MPV_FORMAT_NODE, m_number);
         }
         break;
     case MPV_EVENT_PLAYBACK_RESTART:
@@ -133,7 +133,6 @@ void Playback::handleStart(const mpv_event_start_file &start)
         m_core.observe(name, MPV_FORMAT_DOUBLE, m_number);
     for (const char *name : {"seekable", "partially-seekable", "paused-for-cache"})
         m_core.observe(name, MPV_FORMAT_FLAG, m_number);
-    m_core.observe("track-list", MPV_FORMAT_NODE, m_number);
 }
 
 void Playback::handleEnd(const mpv_event_end_file &end)
@@ -210,12 +209,13 @@ void Playback::handleTracks(const mpv_node &list)
         status.tracks = tracks;
     });
     selectRequestedTracks();
+    updateState();
 }
 
 void Playback::selectRequestedTracks()
 {
     const PlayerStatus status = m_model.status();
-    if (!m_loaded || m_tracksSelected || status.request != m_number || status.tracks->tracks().empty())
+    if (m_tracksSelected || status.request != m_number || status.tracks->tracks().empty())
         return;
     m_tracksSelected = true;
     const struct
@@ -285,7 +285,7 @@ void Playback::updateState()
     if (!m_active)
         return;
     KVR_PlayerState state = KVR_PLAYER_PLAYING;
-    if (!m_started)
+    if (!m_started || !m_tracksSelected)
         state = KVR_PLAYER_OPENING;
     else if (m_paused)
         state = KVR_PLAYER_PAUSED;
