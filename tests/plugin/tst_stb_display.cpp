@@ -6,6 +6,8 @@
 #include "ScriptSession.h"
 #include "StreamCapture.h"
 
+#include "shell/CStbApplication.h"
+
 #include <QNetworkInterface>
 #include <QtTest>
 #include <climits>
@@ -184,6 +186,7 @@ private slots:
     void aResolutionIsKeptAndTold();
     void resolutionsThatAreNoneAreRefused_data();
     void resolutionsThatAreNoneAreRefused();
+    void theResolutionOfTheSystemIsLeftAlone();
     void refusedCallsReachNobody_data();
     void refusedCallsReachNobody();
 
@@ -387,6 +390,27 @@ void TestDeprecatedDisplay::resolutionsThatAreNoneAreRefused()
     QCOMPARE(outcome.calls, QByteArray());
     QCOMPARE(boxFile(userManifest), kept);
     QCOMPARE(m_session->run("stb_display.GetBootParamValue('dfbres')").result, QString(R"("1280x720")"));
+}
+
+void TestDeprecatedDisplay::theResolutionOfTheSystemIsLeftAlone()
+{
+    m_session.reset();
+    PluginManifest manifest;
+    manifest.hdResolution = QSize(1920, 1080);
+    manifest.sdResolution = QSize(720, 576);
+    HostedPlugin::writeManifest(manifest);
+    const QByteArray kept = boxFile(userManifest);
+    {
+        HostedPlugin plugin;
+        QVERIFY(plugin.start());
+        QVERIFY(plugin.loadHtml("<!DOCTYPE html><title>Systemwide</title>"));
+        QCOMPARE(plugin.evaluateToJson("stb_display.SetBootParamValue('dfbres', '640x480')"), QString("1"));
+        QCOMPARE(plugin.evaluateToJson("stb_display.GetBootParamValue('dfbres')"), QString(R"("1920x1080")"));
+    }
+    QCOMPARE(boxFile(userManifest), kept);
+    // The session starts traced or not, as it was.
+    m_session = std::make_unique<ScriptSession>();
+    QVERIFY(m_session->start());
 }
 
 // The engine refuses these before any method hears of them.
