@@ -75,6 +75,10 @@ void Desk::connectParts()
     connect(&m_plugin, &PluginHost::finished, this, [this] { leave(ExitStatus::Done); });
     connect(&m_plugin, &PluginHost::started, this, &Desk::showInspector);
     connect(&m_plugin, &PluginHost::pageLoaded, &m_keys, &KeyScript::start);
+    m_longestWait.setSingleShot(true);
+    connect(&m_longestWait, &QTimer::timeout, &m_keys, &KeyScript::start);
+    m_end.setSingleShot(true);
+    connect(&m_end, &QTimer::timeout, this, [this] { leave(ExitStatus::Done); });
     connect(&m_keys, &KeyScript::pressed, this, [this](const Key &key) { m_window->press(key); });
 }
 
@@ -97,9 +101,9 @@ void Desk::startPlugin()
     m_window->setWindowTitle(m_plugin.application()->appName());
     m_window->setWindowIcon(QIcon(m_plugin.application()->appLogo()));
 
-    QTimer::singleShot(longestWaitForPage, &m_keys, &KeyScript::start);
+    m_longestWait.start(longestWaitForPage);
     if (m_options.exitAfter)
-        QTimer::singleShot(qRound(*m_options.exitAfter * 1000), this, [this] { leave(ExitStatus::Done); });
+        m_end.start(qRound(*m_options.exitAfter * 1000));
 }
 
 void Desk::showRemoteControl()

@@ -52,6 +52,8 @@ private:
     std::unique_ptr<ScreenWindow> m_window;
     std::unique_ptr<RemoteControl> m_remote;
     KeyScript m_keys;
+    QTimer m_longestWait; // for the first page
+    QTimer m_end;         // of --exit-after
     QElapsedTimer m_sinceStart;
     bool m_left = false; // no more to be done but to destroy the plugin
 };

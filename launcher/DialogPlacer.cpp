@@ -3,9 +3,9 @@
 
 #include "DialogPlacer.h"
 
-#include <QDialog>
 #include <QEvent>
 #include <QGraphicsProxyWidget>
+#include <QTimer>
 
 bool DialogPlacer::eventFilter(QObject *object, QEvent *event)
 {
@@ -13,19 +13,21 @@ bool DialogPlacer::eventFilter(QObject *object, QEvent *event)
         auto *dialog = qobject_cast<QDialog *>(object);
         if (dialog && dialog->graphicsProxyWidget() && dialog->parentWidget()) {
             focusFirstChild(dialog);
-            // When it is shown and Qt has placed it as if the screen were a desktop.
-            QMetaObject::invokeMethod(
-                dialog, [dialog] { place(dialog); }, Qt::QueuedConnection);
+            // When it is shown, and Qt has placed it as if the screen were a desktop.
+            m_dialog = dialog;
+            QTimer::singleShot(0, this, SLOT(place()));
         }
     }
     return QObject::eventFilter(object, event);
 }
 
-void DialogPlacer::place(QDialog *dialog)
+void DialogPlacer::place()
 {
-    const QWidget *parent = dialog->parentWidget();
+    if (!m_dialog || !m_dialog->graphicsProxyWidget())
+        return;
+    const QWidget *parent = m_dialog->parentWidget();
     const QPoint center = parent->mapTo(parent->window(), parent->rect().center());
-    dialog->graphicsProxyWidget()->setPos(center - dialog->rect().center());
+    m_dialog->graphicsProxyWidget()->setPos(center - m_dialog->rect().center());
 }
 
 void DialogPlacer::focusFirstChild(QDialog *dialog)

@@ -3,9 +3,9 @@
 
 #pragma once
 
+#include <QDialog>
 #include <QObject>
-
-class QDialog;
+#include <QPointer>
 
 /// Puts the plugin's dialogs in the middle of their parents and gives them the keys, as the window system of a desktop
 /// does with windows of its own. Filters the application's events.
@@ -18,7 +18,11 @@ public:
 
     bool eventFilter(QObject *object, QEvent *event) override;
 
+private slots:
+    void place();
+
 private:
-    static void place(QDialog *dialog);
     static void focusFirstChild(QDialog *dialog);
+
+    QPointer<QDialog> m_dialog; // the latest
 };

@@ -75,7 +75,8 @@ bool Display::isInstalled(const QString &platform)
     static const QRegularExpression end("[:;]");
     const QString name = platform.section(end, 0, 0);
     QStringList folders = {qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH")};
-    for (const QString &path : QCoreApplication::libraryPaths())
+    const QStringList pluginFolders = QCoreApplication::libraryPaths();
+    for (const QString &path : pluginFolders)
         folders << path + "/platforms";
     for (const QString &folder : qAsConst(folders)) {
         if (!folder.isEmpty() && !QDir(folder).entryList({"libq" + name + ".so", "libq" + name + "-*.so"}).isEmpty())

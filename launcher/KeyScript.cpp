@@ -27,7 +27,8 @@ bool appendText(const QString &word, Steps *steps)
     const QString prefix = "text:";
     if (!word.startsWith(prefix) || word == prefix)
         return false;
-    for (const QChar character : word.mid(prefix.size()))
+    const QString text = word.mid(prefix.size());
+    for (const QChar character : text)
         steps->append({prefix + character, Key::typing(character), timeBetweenKeys});
     return true;
 }
@@ -51,7 +52,8 @@ std::optional<QList<KeyScript::Step>> KeyScript::parse(const QString &text, QStr
 {
     Steps steps;
     static const QRegularExpression blanks("\\s+");
-    for (const QString &word : text.split(blanks, Qt::SkipEmptyParts)) {
+    const QStringList words = text.split(blanks, Qt::SkipEmptyParts);
+    for (const QString &word : words) {
         if (!appendPause(word, &steps) && !appendText(word, &steps) && !appendKey(word, &steps)) {
             *error = QString("--keys \"%1\" is not the name of a key, \"text:...\" or \"wait:500\"").arg(word);
             return std::nullopt;

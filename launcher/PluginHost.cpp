@@ -8,6 +8,7 @@
 #include <QChildEvent>
 #include <QJsonObject>
 #include <QPluginLoader>
+#include <QTimer>
 
 PluginHost::~PluginHost()
 {
@@ -53,7 +54,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         QObject *child = static_cast<QChildEvent *>(event)->child();
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
-            QMetaObject::invokeMethod(this, &PluginHost::started, Qt::QueuedConnection);
+            QTimer::singleShot(0, this, SIGNAL(started()));
         }
     }
     return QObject::eventFilter(object, event);

@@ -31,6 +31,7 @@ Screen::Screen()
     addItem(&m_layer);
 
     qApp->installEventFilter(&m_dialogPlacer);
+    connect(this, &Screen::stateChanged, this, &Screen::updateItems, Qt::QueuedConnection);
     DeskBox::setScreenHandler([this] { scheduleUpdate(); });
     updateItems();
 }
@@ -66,7 +67,7 @@ QImage Screen::picture()
 void Screen::scheduleUpdate()
 {
     if (!m_updateScheduled.exchange(true))
-        QMetaObject::invokeMethod(this, &Screen::updateItems, Qt::QueuedConnection);
+        emit stateChanged();
 }
 
 void Screen::updateItems()

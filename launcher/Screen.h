@@ -36,6 +36,10 @@ public:
     /// What the screen shows, at its full size.
     QImage picture();
 
+signals:
+    /// Sent on any thread.
+    void stateChanged();
+
 private:
     void scheduleUpdate();
     void updateItems();

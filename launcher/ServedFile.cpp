@@ -3,6 +3,7 @@
 
 #include "ServedFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -53,7 +54,8 @@ ServedFile::ServedFile(const QString &root, const QString &path)
     QFileInfo file(root + '/' + path);
     if (file.isDir())
         file.setFile(file.filePath() + "/index.html");
-    const QString name = file.canonicalFilePath();
+    // What is asked for does not lead out of the folder; a link in it may, for that is its author's wish.
+    const QString name = QDir::cleanPath(file.filePath());
     const QString inside = root.endsWith('/') ? root : root + '/';
     if (!name.startsWith(inside))
         return;

@@ -5,7 +5,8 @@
 
 #include <QString>
 
-/// A file as a web server delivers it: opened for reading, and never one outside the server's folder.
+/// A file as a web server delivers it: opened for reading, and never one outside the server's folder, unless by a link
+/// in it.
 class ServedFile
 {
 public:

@@ -23,6 +23,6 @@ signals:
 private:
     void read();
 
-    QList<int> m_signalNumbers;
+    const QList<int> m_signalNumbers;
     int m_ends[2];
 };

@@ -113,6 +113,7 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
     for (const QString &argument : arguments)
         texts.push_back(argument.toLocal8Bit());
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (QByteArray &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);

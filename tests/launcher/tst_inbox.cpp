@@ -41,7 +41,8 @@ int watch(int argc, char **argv)
 
 bool isRunning(const QByteArray &argument)
 {
-    for (const QString &process : QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs)) {
+    const QStringList processes = QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs);
+    for (const QString &process : processes) {
         if (contentOf("/proc/" + process + "/cmdline").contains(argument))
             return true;
     }
@@ -149,7 +150,9 @@ void TestInBox::theRestIsThePcs()
 
     for (const char *folder : {"/", "/usr", "/usr/local", "/usr/local/bin", "/home", "/mnt"}) {
         QStringList paths;
-        for (const QString &entry : QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+        const auto all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        const QStringList entries = QDir(folder).entryList(all);
+        for (const QString &entry : entries)
             paths << QDir(folder).filePath(entry);
         QVERIFY2(runScript("ls -d \"$@\"", paths) == 0, m_inBox->errors().constData());
     }
@@ -331,10 +334,7 @@ void TestInBox::oneBoxRunsInsideAnother()
 {
     const QString script = "pwd; cat /etc/hosts; echo x > /etc/inner-probe";
     m_inBox->setWorkingDirectory(m_folder->path());
-    QString inBoxInside = Program::inBuildTree(inBox);
-    if (inBoxInside.startsWith("/tmp/"))
-        inBoxInside.prepend("/pc");
-    QCOMPARE(run({inBoxInside, "/home/user/inner", "--", "sh", "-c", script}), 0);
+    QCOMPARE(run({"/pc" + Program::inBuildTree(inBox), "/home/user/inner", "--", "sh", "-c", script}), 0);
     QCOMPARE(m_inBox->output(), QByteArray("/pc/pc") + m_folder->path().toUtf8() + '\n' + contentOf("/etc/hosts"));
     QVERIFY(QFile::exists(m_box + "/home/user/inner/etc/inner-probe"));
 }
@@ -344,12 +344,10 @@ void TestInBox::anOrdinaryUserHasABoxToo()
     // Installed where everybody can read it.
     QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
     const QString copy = m_folder->filePath("installed");
+    const QString script = "mkdir -p \"$2/libexec\" \"$2/share/kavro\"; cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
+                           "cp -rL \"$1/share/kavro/box\" \"$2/share/kavro\"; chmod -R a+rX \"$2\"";
     QProcess install;
-    install.start("sh",
-                  {"-euc",
-                   "mkdir -p \"$2/libexec\" \"$2/share/kavro\"; cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
-                   "cp -rL \"$1/share/kavro/box\" \"$2/share/kavro\"; chmod -R a+rX \"$2\"",
-                   "sh", Program::inBuildTree("."), copy});
+    install.start("sh", {"-euc", script, "sh", Program::inBuildTree("."), copy});
     QVERIFY(install.waitForFinished());
     QCOMPARE(install.exitCode(), 0);
 

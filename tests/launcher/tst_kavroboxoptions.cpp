@@ -62,15 +62,13 @@ void TestKavroBoxOptions::init()
 
 QString TestKavroBoxOptions::install()
 {
-    const QString target = m_folder->filePath("installed");
+    QString target = m_folder->filePath("installed");
+    const QString script = "mkdir -p \"$2/bin\" \"$2/lib/kavro\" \"$2/libexec\" \"$2/share/kavro\"; "
+                           "cp \"$1/bin/kavro-box\" \"$2/bin\"; cp \"$1/lib/kavro/libstbapi.so\" \"$2/lib/kavro\"; "
+                           "cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
+                           "cp -rL \"$1/share/kavro/box\" \"$1/share/kavro/portal\" \"$2/share/kavro\"";
     QProcess copy;
-    copy.start("sh",
-               {"-euc",
-                "mkdir -p \"$2/bin\" \"$2/lib/kavro\" \"$2/libexec\" \"$2/share/kavro\"; "
-                "cp \"$1/bin/kavro-box\" \"$2/bin\"; cp \"$1/lib/kavro/libstbapi.so\" \"$2/lib/kavro\"; "
-                "cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
-                "cp -rL \"$1/share/kavro/box\" \"$1/share/kavro/portal\" \"$2/share/kavro\"",
-                "sh", Program::inBuildTree("."), target});
+    copy.start("sh", {"-euc", script, "sh", Program::inBuildTree("."), target});
     copy.waitForFinished();
     m_program->setProgram(target + "/bin/kavro-box");
     return target;
@@ -146,7 +144,6 @@ void TestKavroBoxOptions::aFullDiskIsSaid()
 {
     const QString box = m_folder->filePath("box");
     QVERIFY(QDir().mkpath(box));
-    const QString tree = Program::inBuildTree(".");
     m_program->setProgram("bwrap");
     QCOMPARE(m_program->run(
                  QStringList{"--dev-bind", "/", "/", "--size", "32768", "--tmpfs", box, Program::inBuildTree(kavroBox)}

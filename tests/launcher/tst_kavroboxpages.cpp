@@ -65,9 +65,8 @@ void TestKavroBoxPages::aFileIsServedAsAPage()
     QVERIFY(writeFile(file, "<script src='my.js'></script>"));
     QVERIFY(writeFile(m_folder->filePath("my.js"), tellAddress()));
     QCOMPARE(run({file}), 0);
-    QCOMPARE(told().size(), 1);
-    QVERIFY(told().first().startsWith("http://127.0.0.1:2"));
-    QVERIFY(told().first().endsWith("/my%20page.html"));
+    const QString address = told().join(' ');
+    QVERIFY2(address.startsWith("http://127.0.0.1:2") && address.endsWith("/my%20page.html"), qPrintable(address));
 }
 
 void TestKavroBoxPages::theAddressOfAServedFileStaysTheSame()
@@ -75,8 +74,9 @@ void TestKavroBoxPages::theAddressOfAServedFileStaysTheSame()
     QVERIFY(writeFile(m_folder->filePath("a.html"), "<script>" + tellAddress() + "</script>"));
     for (int i = 0; i < 2; ++i)
         QCOMPARE(run({m_folder->filePath("a.html")}), 0);
-    QCOMPARE(told().size(), 2);
-    QCOMPARE(told().first(), told().last());
+    const QStringList addresses = told();
+    QCOMPARE(addresses.size(), 2);
+    QCOMPARE(addresses.first(), addresses.last());
 }
 
 void TestKavroBoxPages::aPageGivenOnceIsNotTheNextHomePage()

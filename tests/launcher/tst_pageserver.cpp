@@ -43,6 +43,7 @@ private slots:
     void aPartOfAFileIsServed();
     void nothingOutsideTheFolderIsServed_data();
     void nothingOutsideTheFolderIsServed();
+    void aLinkInTheFolderIsFollowed();
     void aFolderStandsForItsIndex();
     void anEditedFileIsServedAtOnceAndNeverCached();
     void onlyReadingIsAllowed();
@@ -161,19 +162,34 @@ void TestPageServer::nothingOutsideTheFolderIsServed_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (const char *path : {"/../secret", "/%2e%2e/secret", "/..%2fsecret", "/x/../../secret", "/../root-secret",
-                             "/link", "//etc/passwd", "/etc/passwd", "/none.html", "/pipe", "/ten.mp4/more"})
+                             "//etc/passwd", "/etc/passwd", "/none.html", "/pipe", "/ten.mp4/more"})
         QTest::newRow(path) << QByteArray(path);
 }
 
 void TestPageServer::nothingOutsideTheFolderIsServed()
 {
     QFETCH(QByteArray, path);
-    QVERIFY(QFile::link(m_folder->filePath("secret"), m_folder->filePath("root/link")));
     QVERIFY(QDir(m_folder->path()).mkpath("root/x"));
     QVERIFY(QProcess::execute("mkfifo", {m_folder->filePath("root/pipe")}) == 0);
     const Answer answer = ask(path);
     QCOMPARE(answer.status, 404);
     QCOMPARE(answer.body, QByteArray());
+}
+
+void TestPageServer::aLinkInTheFolderIsFollowed()
+{
+    write("elsewhere/clip.ts", "clip");
+    write("elsewhere/index.html", "elsewhere");
+    QVERIFY(QFile::link(m_folder->filePath("elsewhere/clip.ts"), m_folder->filePath("root/file.mp4")));
+    QVERIFY(QFile::link("../elsewhere", m_folder->filePath("root/media")));
+    QVERIFY(QFile::link("nowhere", m_folder->filePath("root/dangling")));
+    QCOMPARE(ask("/file.mp4").body, QByteArray("clip"));
+    QCOMPARE(ask("/file.mp4").header("Content-Type"), QByteArray("video/mp4"));
+    QCOMPARE(ask("/media/clip.ts").body, QByteArray("clip"));
+    QCOMPARE(ask("/media/").body, QByteArray("elsewhere"));
+    QCOMPARE(ask("/media/../index.html").body, QByteArray("index"));
+    QCOMPARE(ask("/media/../secret").status, 404);
+    QCOMPARE(ask("/dangling").status, 404);
 }
 
 void TestPageServer::aFolderStandsForItsIndex()
