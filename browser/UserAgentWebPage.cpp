@@ -4,6 +4,7 @@
 #include "browser/UserAgentWebPage.h"
 
 #include <QDebug>
+#include <QKeyEvent>
 
 namespace {
 
@@ -22,6 +23,18 @@ UserAgentWebPage::UserAgentWebPage(QObject *parent)
 QString UserAgentWebPage::userAgentForUrl(const QUrl &url) const
 {
     return QWebPage::userAgentForUrl(url) + QLatin1String(" Kavro MZ412");
+}
+
+bool UserAgentWebPage::event(QEvent *event)
+{
+    const bool isKnown = QWebPage::event(event);
+    // Where the engine itself makes nothing of the backspace key, it is an action like everywhere else.
+    if (event->type() == QEvent::KeyPress && !event->isAccepted()) {
+        const QKeyEvent *press = static_cast<QKeyEvent *>(event);
+        if (press->key() == Qt::Key_Backspace)
+            triggerAction(press->modifiers() & Qt::ShiftModifier ? Forward : Back);
+    }
+    return isKnown;
 }
 
 void UserAgentWebPage::triggerAction(WebAction action, bool checked)

@@ -11,6 +11,7 @@ class UserAgentWebPage : public QWebPage
 public:
     explicit UserAgentWebPage(QObject *parent);
 
+    bool event(QEvent *event) override;
     void triggerAction(WebAction action, bool checked = false) override;
 
 protected:
