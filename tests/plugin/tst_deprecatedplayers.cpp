@@ -66,8 +66,9 @@ QByteArrayList TestDeprecatedPlayers::callsOfTheEnd(const QByteArray &function)
 {
     RecordingPlatform::takeCalls();
     m_session->plugin().destroy();
+    const QByteArrayList allCalls = RecordingPlatform::takeCalls();
     QByteArrayList calls;
-    for (const QByteArray &call : RecordingPlatform::takeCalls()) {
+    for (const QByteArray &call : allCalls) {
         if (call.startsWith(function + '('))
             calls += call;
     }

@@ -14,9 +14,18 @@
 
 namespace {
 
-// What the parser's file held when the parser had the disks written.
-QString watchedFile;
-QByteArrayList contentsAtSync;
+// What a file held each time the parser had the disks written.
+struct Watch
+{
+    QString path;
+    QByteArrayList contentsAtSync;
+};
+
+Watch &watch()
+{
+    static Watch watch;
+    return watch;
+}
 
 QByteArray contentOf(const QString &path)
 {
@@ -32,7 +41,7 @@ constexpr uid_t nobody = 65534;
 // In the place of the C library's, for the plugin too.
 void sync() noexcept
 {
-    contentsAtSync += contentOf(watchedFile);
+    watch().contentsAtSync += contentOf(watch().path);
 }
 
 // The plugin's reader and writer of the display mode file, as a launcher that links the plugin uses it.
@@ -74,8 +83,7 @@ void TestDirectfbrc::init()
     m_dir = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dir->isValid());
     m_path = m_dir->filePath("directfbrc");
-    watchedFile = m_path;
-    contentsAtSync.clear();
+    watch() = {m_path, {}};
 }
 
 void TestDirectfbrc::writeFile(const QByteArray &content)
@@ -196,7 +204,7 @@ void TestDirectfbrc::nothingReachesTheDiskBeforeWrite()
         QCOMPARE(contentOf(m_path), QByteArray("mode=1x2\n"));
     }
     QCOMPARE(contentOf(m_path), QByteArray("mode=1x2\n"));
-    QCOMPARE(contentsAtSync.size(), 0);
+    QCOMPARE(watch().contentsAtSync.size(), 0);
 }
 
 void TestDirectfbrc::aSetModeIsTheModeWhateverItIs_data()
@@ -245,7 +253,7 @@ void TestDirectfbrc::theDisksAreWrittenBeforeTheLastOfTheText()
     writeFile("mode=1x2\ndepth=32\n");
     DirectfbrcParser parser(m_path);
     QVERIFY(parser.write());
-    QCOMPARE(contentsAtSync, QByteArrayList{QByteArray()});
+    QCOMPARE(watch().contentsAtSync, QByteArrayList{QByteArray()});
     QCOMPARE(contentOf(m_path), QByteArray("mode=1x2\ndepth=32\n"));
 }
 
