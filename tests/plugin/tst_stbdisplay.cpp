@@ -283,7 +283,7 @@ void TestStbDisplay::answersPassThrough_data()
     QTest::addColumn<int>("answer");
     for (const char *name : passingThrough) {
         for (const int answer : {0, 1, -1, -127, INT_MAX, INT_MIN})
-            QTest::addRow("%s: %d", name, answer) << name << answer;
+            QTest::newRow(qPrintable(QString("%1: %2").arg(name).arg(answer))) << name << answer;
     }
 }
 
