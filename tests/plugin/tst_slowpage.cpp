@@ -1,0 +1,50 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "HostedPlugin.h"
+#include "HttpServer.h"
+
+#include <QWebView>
+#include <QtTest>
+
+// A page that takes longer than the error page waits, but goes on.
+class TestSlowPage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aPageThatMakesProgressMayTakeItsTime();
+};
+
+void TestSlowPage::aPageThatMakesProgressMayTakeItsTime()
+{
+    // Each part is a sign of progress, and the next comes 3 seconds later.
+    // One script after the other, each of 2 to 3 seconds.
+    HttpServer server;
+    server.serve("/", "<title>Portal</title><script src='/1.js'></script>");
+    for (int i = 1; i <= 3; ++i) {
+        HttpServer::Page script = {"document.write('<script src=/" + QByteArray::number(i + 1) + ".js></script>')\n",
+                                   "text/javascript"};
+        script.pause = 50;
+        server.serve("/" + QByteArray::number(i) + ".js", script);
+    }
+    server.serve("/4.js", HttpServer::Page{"window.done = true", "text/javascript"});
+    HttpServer errors;
+    PluginManifest manifest;
+    manifest.homePage = server.url().toString();
+    manifest.errorPage = errors.url().toString();
+    HostedPlugin::writeManifest(manifest);
+    HostedPlugin plugin;
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(plugin.start());
+
+    QVERIFY(plugin.waitForLoad(15000));
+    QVERIFY(time.elapsed() > 5500);
+    QCOMPARE(plugin.browser()->title(), QString("Portal"));
+    QVERIFY(plugin.evaluate("window.done").toBool());
+    QCOMPARE(errors.requests().size(), 0);
+}
+
+QTEST_MAIN(TestSlowPage)
+#include "tst_slowpage.moc"
