@@ -11,6 +11,7 @@
 #include "browser/PageGuard.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
+#include "common/other/qtcompat.h"
 #include "common/other/tools.h"
 #include "config/PluginConfigParser.h"
 #include "jsapi/LocalStorage.h"
@@ -58,6 +59,7 @@ QTimer *createTimer(QObject *receiver, int interval, const char *slot)
     QTimer *timer = new QTimer(receiver);
     timer->setInterval(interval);
     timer->setSingleShot(true);
+    QtCompat::makePrecise(*timer);
     QObject::connect(timer, SIGNAL(timeout()), receiver, slot);
     return timer;
 }

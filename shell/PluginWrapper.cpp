@@ -164,6 +164,7 @@ void PluginWrapper::startSplashTimer()
 {
     splashTimer.setInterval(splashDelay);
     splashTimer.setSingleShot(true);
+    QtCompat::makePrecise(splashTimer);
     connect(&splashTimer, SIGNAL(timeout()), SLOT(showSplash()));
     splashTimer.start();
 }
