@@ -63,10 +63,10 @@ void TestKavroBoxOptions::init()
 QString TestKavroBoxOptions::install()
 {
     QString target = m_folder->filePath("installed");
-    const QString script = "mkdir -p \"$2/bin\" \"$2/lib/kavro\" \"$2/libexec\" \"$2/share/kavro\"; "
-                           "cp \"$1/bin/kavro-box\" \"$2/bin\"; cp \"$1/lib/kavro/libstbapi.so\" \"$2/lib/kavro\"; "
-                           "cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
-                           "cp -rL \"$1/share/kavro/box\" \"$1/share/kavro/portal\" \"$2/share/kavro\"";
+    const QString script =
+        "mkdir -p \"$2/lib/kavro\" \"$2/libexec\" \"$2/share/kavro\"; cp -r \"$1/bin\" \"$2\"; "
+        "cp \"$1/lib/kavro/libstbapi.so\" \"$2/lib/kavro\"; cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
+        "cp -rL \"$1/share/kavro/box\" \"$1/share/kavro/portal\" \"$2/share/kavro\"";
     QProcess copy;
     copy.start("sh", {"-euc", script, "sh", Program::inBuildTree("."), target});
     copy.waitForFinished();
