@@ -18,7 +18,7 @@ PlatformRecords::TrackList PlatformRecords::trackList(TrackQuery query, int id)
     if (query(id, &tracks, &list.count) == KVR_ERR_INVALID_ID)
         return list;
     list.known = true;
-    for (int i = 0; i < list.count; ++i) {
+    for (int i = 0; tracks && i < list.count; ++i) {
         const KVR_Track &track = tracks[i];
         const Track entry = {track.id, fieldText(track.descr, sizeof track.descr), track.supported, track.encoding};
         list.tracks.append(entry);

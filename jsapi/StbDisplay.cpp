@@ -160,7 +160,7 @@ QVariant StbDisplay::GetOrder()
     if (KVR_GetOrder(&order, &count) != KVR_OK)
         return failureMap(QLatin1String("get order failed"), 99);
     QVariantList answer;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; order && i < count; ++i)
         answer.append(order[i]);
     free(order);
     return answer;

@@ -76,7 +76,7 @@ QVariant StbPVR::GetRecordsList()
     int count = 0;
     KVR_GetRecordsList(&records, &count);
     QVariantList answer;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; records && i < count; ++i)
         answer.append(recordMap(records[i]));
     free(records);
     return answer;
