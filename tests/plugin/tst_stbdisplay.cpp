@@ -107,6 +107,8 @@ const QVector<Row> &rows()
          "StbDisplay.GetOrder()", "KVR_GetOrder()", Answer::nullArray(0), "[]"},
         {"order of a negative count asked", "StbDisplay.GetOrder()",
          "StbDisplay.GetOrder()", "KVR_GetOrder()", Answer::nullArray(-1), "[]"},
+        {"order of a count without an array asked", "StbDisplay.GetOrder()",
+         "StbDisplay.GetOrder()", "KVR_GetOrder()", Answer::nullArray(3), "[]"},
         {"order asked, fewer told than stored", "StbDisplay.GetOrder()",
          "StbDisplay.GetOrder()", "KVR_GetOrder()", Answer::array(QVector<int> {1, 2, 3}, KVR_OK, 2), "[1,2]"},
         {"order asked, failing", "StbDisplay.GetOrder()",

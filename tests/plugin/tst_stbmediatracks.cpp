@@ -187,6 +187,7 @@ void TestStbMediaTracks::nothingHandedOutIsAnEmptyList_data()
     for (const QByteArray method : listMethods) {
         QTest::addRow("%s null", method.constData()) << method << Answer::nullArray(0);
         QTest::addRow("%s null, less than none", method.constData()) << method << Answer::nullArray(-3);
+        QTest::addRow("%s null, more than none", method.constData()) << method << Answer::nullArray(3);
         QTest::addRow("%s nothing stored", method.constData()) << method << Answer(0);
         QTest::addRow("%s nothing stored, positive", method.constData()) << method << Answer(1);
         QTest::addRow("%s nothing stored, failure", method.constData()) << method << Answer(-1);

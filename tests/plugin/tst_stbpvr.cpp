@@ -88,6 +88,8 @@ const QVector<Row> &rows()
          "StbPVR.GetRecordsList()", "KVR_GetRecordsList()", Answer::array(QVector<KVR_Record>(), KVR_OK, -1), "[]"},
         {"list without an array", "StbPVR.GetRecordsList()",
          "StbPVR.GetRecordsList()", "KVR_GetRecordsList()", Answer::nullArray(0), "[]"},
+        {"list of a count without an array", "StbPVR.GetRecordsList()",
+         "StbPVR.GetRecordsList()", "KVR_GetRecordsList()", Answer::nullArray(3), "[]"},
         {"list of a library that stores nothing", "StbPVR.GetRecordsList()",
          "StbPVR.GetRecordsList()", "KVR_GetRecordsList()", -1, "[]"},
         {"status", "StbPVR.GetRecordStatus(5)",
