@@ -65,7 +65,9 @@ void Playback::open(const PlayRequest &request, unsigned number)
 void Playback::load(const std::string &address)
 {
     MpvCore::Options options;
-    options.emplace_back("start", std::to_string(m_request.start));
+    // A seek to the beginning is more than some servers can do.
+    if (m_request.start > 0)
+        options.emplace_back("start", std::to_string(m_request.start));
     for (const std::string &header : m_request.headers)
         options.emplace_back("http-header-fields-append", header);
     if (!m_request.subtitles.empty())
@@ -104,7 +106,7 @@ void Playback::close(KVR_PlayerState state)
     m_magnet.reset();
     reportMulticast(false);
     m_active = m_inCore = m_tracksSelected = m_started = false;
-    m_buffering = m_seeking = m_failing = m_rewindSeeking = m_partlySeekable = false;
+    m_buffering = m_seeking = m_failing = m_rewindSeeking = m_seekable = m_partlySeekable = false;
     m_duration = 0;
     m_entry = m_lastEntry = -1;
     m_model.changeFor(m_number, [=](PlayerStatus &status) {

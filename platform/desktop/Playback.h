@@ -92,6 +92,7 @@ private:
     std::string m_failure;         // why the core has given up
     std::string m_group;           // multicast group that was joined
     double m_duration = 0;         // seconds
+    bool m_seekable = false;
     bool m_partlySeekable = false; // within what is buffered, as live streams are
     Clock::time_point m_progress;
     Clock::time_point m_lastPositionEvent;

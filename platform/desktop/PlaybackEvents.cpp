@@ -183,16 +183,18 @@ void Playback::handleProperty(const mpv_event_property &property)
         m_model.changeFor(m_number, [&](PlayerStatus &s) { s.pictureWidth = static_cast<int>(number(property)); });
     } else if (is("dheight")) {
         m_model.changeFor(m_number, [&](PlayerStatus &s) { s.pictureHeight = static_cast<int>(number(property)); });
-    } else if (is("seekable")) {
-        m_model.changeFor(m_number, [&](PlayerStatus &s) { s.seekable = flag(property); });
     } else {
         if (is("duration"))
             m_duration = number(property);
+        else if (is("seekable"))
+            m_seekable = flag(property);
         else
             m_partlySeekable = flag(property);
-        // The end of a live stream is only the end of what has come so far.
-        const long long duration = m_partlySeekable ? 0 : toMilliseconds(m_duration);
-        m_model.changeFor(m_number, [=](PlayerStatus &s) { s.duration = duration; });
+        m_model.changeFor(m_number, [this](PlayerStatus &s) {
+            s.seekable = m_seekable;
+            // The end of a live stream is only the end of what has come so far.
+            s.duration = m_seekable && !m_partlySeekable ? toMilliseconds(m_duration) : 0;
+        });
     }
 }
 
