@@ -119,6 +119,7 @@ void Desk::showInspector() const
     for (QWidget *window : windows) {
         if (m_options.inspector && window->inherits("QWebInspector")) {
             window->resize(inspectorSize);
+            window->setAttribute(Qt::WA_ShowWithoutActivating); // the keys are the page's
             window->show();
         }
     }

@@ -15,6 +15,7 @@
 #include <QFile>
 
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -83,6 +84,17 @@ int runOutside(int argc, char **argv)
     return Supervisor().run(box.path(), options.forInside());
 }
 
+// For a plugin that ends the process: the picture is taken all the same, and the status is the plugin's, which it would
+// not be if Qt were taken down below a running application.
+void endWithDesk(int status, void *)
+{
+    if (!runningDesk)
+        return;
+    runningDesk->saveLastScreenshot();
+    std::fflush(nullptr);
+    _exit(status);
+}
+
 // The process inside the box. On a restart it gives the arguments for the next start.
 int runInside(int argc, char **argv, QStringList *nextArguments)
 {
@@ -97,10 +109,7 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
 
     Desk desk(Options::fromCommandLine());
     runningDesk = &desk;
-    std::atexit([] {
-        if (runningDesk)
-            runningDesk->saveLastScreenshot();
-    });
+    on_exit(endWithDesk, nullptr);
     const int status = desk.run();
     runningDesk = nullptr;
     *nextArguments = desk.optionsAfterRestart().forInside();

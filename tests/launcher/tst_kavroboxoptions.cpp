@@ -4,6 +4,7 @@
 #include "Program.h"
 
 #include <QDir>
+#include <QImage>
 #include <QTest>
 
 namespace {
@@ -19,7 +20,8 @@ void verifyOneLine(const QByteArray &errors, const QByteArray &message)
 
 } // namespace
 
-/// What kavro-box says, and its exit status, when it is started wrongly or on a PC that lacks something.
+/// What kavro-box says, and its exit status, when it is started wrongly, on a PC that lacks something, or
+/// with another plugin.
 class TestKavroBoxOptions : public QObject
 {
     Q_OBJECT
@@ -39,6 +41,7 @@ private slots:
     void aMissingPluginIsSaid();
     void aPluginThatCannotBeLoadedIsSaid_data();
     void aPluginThatCannotBeLoadedIsSaid();
+    void aPluginThatEndsTheProcessLeavesThePicture();
     void theProcessInsideRunsInABoxOnly();
 
 private:
@@ -208,6 +211,9 @@ void TestKavroBoxOptions::aPluginThatCannotBeLoadedIsSaid_data()
     QTest::addColumn<QString>("source");
     QTest::addColumn<QByteArray>("message");
     QTest::newRow("no library") << "share/kavro/portal/index.html" << QByteArray("the plugin cannot be loaded (");
+    QTest::newRow("a plugin for another launcher")
+        << "tests/plugins/libkavro_other_plugin.so"
+        << QByteArray("libkavrostbbrowser.so is not a plugin for com.Kavro.Plugin.StbInterface/2.0");
     QTest::newRow("a library that is no plugin")
         << "lib/kavro/libstbapi.so" << QByteArray("the plugin cannot be loaded (");
 }
@@ -220,7 +226,18 @@ void TestKavroBoxOptions::aPluginThatCannotBeLoadedIsSaid()
     QVERIFY(QFile::copy(Program::inBuildTree(source), target + "/lib/kavro/libkavrostbbrowser.so"));
     QCOMPARE(m_program->run(m_usual), 3);
     const QList<QByteArray> lines = m_program->errors().trimmed().split('\n');
-    QVERIFY2(lines.last().startsWith("kavro-box: " + message), m_program->errors().constData());
+    QVERIFY2(lines.last().startsWith("kavro-box: ") && lines.last().contains(message), m_program->errors().constData());
+}
+
+void TestKavroBoxOptions::aPluginThatEndsTheProcessLeavesThePicture()
+{
+    const QString target = install();
+    QVERIFY(QFile::copy(Program::inBuildTree("tests/plugins/libkavro_exiting_plugin.so"),
+                        target + "/lib/kavro/libkavrostbbrowser.so"));
+    const QString picture = m_folder->filePath("picture.png");
+    m_usual.removeLast(); // the time
+    QCOMPARE(m_program->run(m_usual + QStringList{"30", "--screenshot", picture}), 0);
+    QCOMPARE(QImage(picture).pixelColor(1000, 500), QColor(Qt::green));
 }
 
 void TestKavroBoxOptions::theProcessInsideRunsInABoxOnly()
