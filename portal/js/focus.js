@@ -17,6 +17,21 @@ var Focus = (function () {
             focused.classList.remove('focused');
         focused = button;
         focused.classList.add('focused');
+        focused.scrollIntoViewIfNeeded(false);
+    }
+
+    function isShown(button) {
+        return button.offsetParent !== null;
+    }
+
+    // Moves the focus to the button with this id. If there is none, it goes to the first row or, without rows, to the
+    // picture.
+    function moveToId(id) {
+        var choices = [document.getElementById(id), document.querySelector('button.row'),
+            document.getElementById('picture')];
+        moveTo(choices.filter(function (button) {
+            return button && isShown(button);
+        })[0]);
     }
 
     function centreOf(button) {
@@ -41,7 +56,7 @@ var Focus = (function () {
         var best = Infinity;
         var i, away;
         for (i = 0; i < buttons.length; i += 1) {
-            away = buttons[i].offsetParent ? distance(start, centreOf(buttons[i]), direction) : Infinity;
+            away = isShown(buttons[i]) ? distance(start, centreOf(buttons[i]), direction) : Infinity;
             if (away < best) {
                 best = away;
                 nearest = buttons[i];
@@ -51,5 +66,5 @@ var Focus = (function () {
             moveTo(nearest);
     }
 
-    return { current: current, moveTo: moveTo, move: move };
+    return { current: current, moveToId: moveToId, move: move };
 }());

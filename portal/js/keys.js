@@ -6,6 +6,7 @@ var Keys = (function () {
     'use strict';
 
     var LEFT = 37, UP = 38, RIGHT = 39, DOWN = 40, OK = 13, BACKSPACE = 8, ESCAPE = 27;
+    var MUTE = 173, VOLUME_DOWN = 174, VOLUME_UP = 175;
 
     var names = {
         8: 'Backspace', 9: 'Tab', 13: 'Enter', 16: 'Shift', 17: 'Control', 18: 'Alt', 27: 'Escape', 32: 'Space',
@@ -31,5 +32,12 @@ var Keys = (function () {
         return code === BACKSPACE || code === ESCAPE;
     }
 
-    return { LEFT: LEFT, UP: UP, RIGHT: RIGHT, DOWN: DOWN, OK: OK, nameOf: nameOf, isBack: isBack };
+    function isArrow(code) {
+        return code >= LEFT && code <= DOWN;
+    }
+
+    return {
+        LEFT: LEFT, UP: UP, RIGHT: RIGHT, DOWN: DOWN, OK: OK, MUTE: MUTE, VOLUME_DOWN: VOLUME_DOWN,
+        VOLUME_UP: VOLUME_UP, nameOf: nameOf, isBack: isBack, isArrow: isArrow
+    };
 }());

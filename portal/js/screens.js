@@ -1,77 +1,103 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The screens of the portal: home, the members of one script object, and the full-screen picture.
+// The screens of the portal, and how one leads to another. A screen is an object:
+//   layout   page (rows beside the picture), video (the picture alone), overlay (rows over it), sheet (no picture)
+//   title    returns the rows' heading
+//   rows     returns its rows, see Menu; not for the layouts video and sheet
+//   hints    returns pairs of a key and what it does
+//   enter, leave, handleKey   what happens besides, optional; handleKey says whether it has used the key
 var Screens = (function () {
     'use strict';
 
-    function setText(id, text) {
-        document.getElementById(id).textContent = text;
-    }
+    var screens = {};
+    var open = []; // from the first to the one that is shown
 
-    function child(parent, tag, className, text) {
-        var element = document.createElement(tag);
-        element.className = className;
-        element.textContent = text;
-        parent.appendChild(element);
-        return element;
+    function add(name, screen) {
+        screens[name] = screen;
     }
 
     function current() {
-        return document.body.getAttribute('data-screen');
+        return open[open.length - 1].name;
     }
 
-    function show(screen) {
-        document.body.setAttribute('data-screen', screen);
+    function currentScreen() {
+        return screens[current()];
     }
 
-    function memberWord(count) {
-        return count === 1 ? 'member' : 'members';
+    // Shows the rows of the current screen anew, because what they tell has changed.
+    function refresh() {
+        var screen = currentScreen();
+        if (screen.rows)
+            Menu.show(screen.title(), screen.rows());
     }
 
-    function showMembers(object) {
-        var list = document.getElementById('members-list');
-        var count = object.members.length;
-        setText('members-object', object.name);
-        setText('members-count', object.found ? count + ' ' + memberWord(count) : 'not found in this page');
+    function showHints(hints) {
+        var list = Dom.byId('hints');
         list.textContent = '';
-        object.members.forEach(function (name) {
-            child(list, 'li', '', name);
-        });
-        show('members');
-    }
-
-    // The row of one script object; OK opens its members.
-    function addObject(object) {
-        var row = child(document.getElementById('objects'), 'button', 'object', '');
-        var name = child(row, 'span', 'name', object.name);
-        var count = child(row, 'span', 'count', object.found ? object.members.length : 'not found');
-        child(name, 'span', 'purpose', object.purpose);
-        if (object.found)
-            child(count, 'small', '', memberWord(object.members.length));
-        else
-            row.classList.add('missing');
-        row.addEventListener('click', function () {
-            showMembers(object);
+        hints.concat([['F1', 'leave']]).forEach(function (hint) {
+            Dom.child(list, 'kbd', '', hint[0]);
+            list.appendChild(document.createTextNode(hint[1]));
         });
     }
 
-    function toggleFullscreen() {
-        show(current() === 'fullscreen' ? 'home' : 'fullscreen');
+    function show(focus) {
+        var screen = currentScreen();
+        document.body.setAttribute('data-screen', current());
+        document.body.setAttribute('data-layout', screen.layout);
+        refresh();
+        showHints(screen.hints());
+        Focus.moveToId(focus);
+        if (screen.enter)
+            screen.enter();
+        Player.place();
     }
 
-    // Fills the home screen and puts the focus on its first row.
-    function start() {
-        ScriptObjects.find().forEach(addObject);
-        setText('address', location.href);
-        setText('user-agent', navigator.userAgent);
-        document.getElementById('picture').addEventListener('click', toggleFullscreen);
-        Focus.moveTo(document.querySelector('.object'));
+    function leave() {
+        if (currentScreen().leave)
+            currentScreen().leave();
     }
 
+    function go(name) {
+        if (open.length) {
+            open[open.length - 1].focus = Focus.current().id;
+            leave();
+        }
+        open.push({ name: name });
+        show();
+    }
+
+    // To the screen before, and to the row from which this one was opened.
     function back() {
-        show('home');
+        if (open.length < 2)
+            return;
+        leave();
+        open.pop();
+        show(open[open.length - 1].focus);
     }
 
-    return { start: start, current: current, back: back, setText: setText };
+    function handleArrow(code) {
+        var step = { 37: -1, 39: 1 }[code];
+        if (!step || !Menu.change(step))
+            Focus.move(code);
+    }
+
+    function handleKey(code) {
+        var screen = currentScreen();
+        if (screen.handleKey && screen.handleKey(code))
+            return true;
+        if (Keys.isBack(code))
+            back();
+        else if (screen.layout === 'sheet')
+            return false;
+        else if (code === Keys.OK)
+            Focus.current().click();
+        else if (Keys.isArrow(code))
+            handleArrow(code);
+        else
+            return false;
+        return true;
+    }
+
+    return { add: add, current: current, refresh: refresh, go: go, back: back, handleKey: handleKey };
 }());

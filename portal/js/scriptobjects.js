@@ -6,8 +6,8 @@ var ScriptObjects = (function () {
     'use strict';
 
     var known = [
-        { name: 'StbMedia', purpose: 'Players, tracks, sound and picture' },
-        { name: 'StbDisplay', purpose: 'Screen, box and boot parameters' },
+        { name: 'StbMedia', purpose: 'Players and their tracks' },
+        { name: 'StbDisplay', purpose: 'Screen and box' },
         { name: 'StbPVR', purpose: 'Scheduled recordings' },
         { name: 'stb_media', purpose: 'StbMedia for older portals' },
         { name: 'stb_display', purpose: 'StbDisplay for older portals' }

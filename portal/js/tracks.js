@@ -1,0 +1,68 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The sound and subtitle tracks of what the player plays.
+var Tracks = (function () {
+    'use strict';
+
+    var languages = {
+        eng: 'English', ger: 'German', deu: 'German', fre: 'French', fra: 'French', ita: 'Italian', mul: 'No words',
+        rus: 'Russian', spa: 'Spanish'
+    };
+
+    // A player that does not exist has an error to tell, and no tracks.
+    function listOf(answer) {
+        return Array.isArray(answer) ? answer : [];
+    }
+
+    function audio() {
+        return Player.isActive() ? listOf(StbMedia.GetAudioTrackList(Player.id())) : [];
+    }
+
+    function subtitles() {
+        return Player.isActive() ? listOf(StbMedia.GetSubtitleTrackList(Player.id())) : [];
+    }
+
+    // The description begins with the language, if the stream tells it: "eng, aac, 2 ch".
+    function nameOf(track) {
+        var first = track.descr.split(',')[0];
+        return languages[first] || track.descr || 'Track ' + track.id;
+    }
+
+    function chosenAudio() {
+        return StbMedia.GetAudioPid(Player.id());
+    }
+
+    // -1 while subtitles are off.
+    function chosenSubtitles() {
+        return StbMedia.IsSubtitlesVisible(Player.id()) === 1 ? StbMedia.GetSubtitlePid(Player.id()) : -1;
+    }
+
+    function chooseAudio(track) {
+        StbMedia.SetAudioPid(Player.id(), track);
+    }
+
+    function chooseSubtitles(track) {
+        if (track >= 0)
+            StbMedia.SetSubtitlePid(Player.id(), track);
+        StbMedia.SetSubtitlesVisible(Player.id(), track >= 0 ? 1 : 0);
+    }
+
+    function nameIn(list, id) {
+        return list.filter(function (track) {
+            return track.id === id;
+        }).map(nameOf)[0];
+    }
+
+    // Says what is heard and read, such as "English sound · German subtitles".
+    function summary() {
+        var sound = nameIn(audio(), Player.isActive() ? chosenAudio() : -1);
+        var text = nameIn(subtitles(), Player.isActive() ? chosenSubtitles() : -1);
+        return [sound && 'Sound: ' + sound, text && 'Subtitles: ' + text].filter(Boolean).join('  \u00b7  ');
+    }
+
+    return {
+        audio: audio, subtitles: subtitles, nameOf: nameOf, chosenAudio: chosenAudio,
+        chosenSubtitles: chosenSubtitles, chooseAudio: chooseAudio, chooseSubtitles: chooseSubtitles, summary: summary
+    };
+}());
