@@ -16,55 +16,54 @@ const char script[] = R"js(
 (function () {
     'use strict';
     var call = Function.prototype.call;
-    var timeOf = call.bind(Date.prototype.getTime);
-    var primitives = [call.bind(String.prototype.valueOf), call.bind(Number.prototype.valueOf),
-                      call.bind(Boolean.prototype.valueOf)];
     var apply = call.bind(Function.prototype.apply);
+    var classOf = call.bind(Object.prototype.toString);
+    var timeOf = call.bind(Date.prototype.getTime);
     var isArray = Array.isArray;
     var arrayFrom = Array.from;
     var define = Object.defineProperty;
     var DateObject = Date;
 
+    // A page can have an object pose as one of another class. A reader of the wrong class throws, and what it poses as
+    // is never passed on itself. Trying all readers would do as well, but the engine's compiler loses exceptions that a
+    // function catches.
+    var readers = Object.create(null);
+    readers['[object String]'] = call.bind(String.prototype.valueOf);
+    readers['[object Number]'] = call.bind(Number.prototype.valueOf);
+    readers['[object Boolean]'] = call.bind(Boolean.prototype.valueOf);
+
     function isObject(value) {
         return value !== null && (typeof value === 'object' || typeof value === 'function');
     }
 
-    // The value as a Date of our own, onInvalid for one that holds no time, otherwise undefined.
-    function safeDate(value, onInvalid) {
-        var time;
-        try {
-            time = timeOf(value);
-        } catch (notADate) {
-            return undefined;
+    // What an object holds, as a value that the engine converts safely: a Date of our own, onInvalid for one that holds
+    // no time, a text, a number or a yes or no. Undefined for all other objects.
+    function held(object, onInvalid) {
+        var kind = classOf(object);
+        if (kind === '[object Date]') {
+            var time = timeOf(object);
+            return time === time ? new DateObject(time) : onInvalid;
         }
-        return time === time ? new DateObject(time) : onInvalid;
-    }
-
-    function primitive(value) {
-        for (var i = 0; i < primitives.length; ++i) {
-            try {
-                return primitives[i](value);
-            } catch (otherType) {
-            }
-        }
-        return undefined;
+        var read = readers[kind];
+        return read ? read(object) : undefined;
     }
 
     // For a QDateTime: this number has no date either, and the engine knows how to say so.
     function dateTime(value) {
-        return isObject(value) ? safeDate(value, Infinity) || value : value;
+        return isObject(value) ? held(value, Infinity) : value;
     }
 
-    // For a QVariant.
+    // For a QVariant. The engine does not convert NaN.
     function variant(value) {
-        return isObject(value) ? safeDate(value) || primitive(value) : value;
+        var simple = isObject(value) ? held(value) : value;
+        return simple === simple ? simple : undefined;
     }
 
     // For an entry of a list of numbers.
     function number(value) {
-        var simple = isObject(value) ? primitive(value) : value;
+        var simple = variant(value);
         var type = typeof simple;
-        return type === 'string' || type === 'boolean' || (type === 'number' && simple === simple) ? simple : 0;
+        return type === 'string' || type === 'boolean' || type === 'number' ? simple : 0;
     }
 
     function numbers(value) {
