@@ -36,6 +36,7 @@
 #include <QWebSecurityOrigin>
 #include <QWebSettings>
 
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -254,7 +255,9 @@ void KavroStbBrowser::sslErrorHandler(QNetworkReply *reply, const QList<QSslErro
 
 void KavroStbBrowser::closeBrowser()
 {
-    std::exit(0);
+    // At once: the ordinary way out would have the toolkit destroy the plugin after the web engine.
+    std::fflush(nullptr);
+    std::_Exit(0);
 }
 
 void KavroStbBrowser::newUrl()
