@@ -9,6 +9,7 @@
 #include "browser/JsApiTracer.h"
 #include "browser/PageEvents.h"
 #include "browser/PageGuard.h"
+#include "browser/RecordTimes.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
 #include "common/other/qtcompat.h"
@@ -128,6 +129,7 @@ void KavroStbBrowser::createScriptObjects()
     media = KavroJS::StbMedia::instance();
     display = KavroJS::StbDisplay::instance();
     pvr = KavroJS::StbPVR::instance();
+    recordTimes = new RecordTimes(pvr, this);
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
 
@@ -322,6 +324,7 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
     frame->addToJavaScriptWindowObject(QLatin1String("StbPVR"), pvr);
     frame->addToJavaScriptWindowObject(QLatin1String("stb_media"), deprecatedMedia);
     frame->addToJavaScriptWindowObject(QLatin1String("stb_display"), deprecatedDisplay);
+    frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), recordTimes);
     frame->evaluateJavaScript(pageGuardScript());
     frame->evaluateJavaScript(
         QLatin1String("StbMedia.SetEventCallback = function(fun) {StbMedia.eventCallback = fun;};"));

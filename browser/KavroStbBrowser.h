@@ -10,6 +10,7 @@
 #include <QWebView>
 
 class PageEvents;
+class RecordTimes;
 class QFileSystemWatcher;
 class QNetworkReply;
 class QTimer;
@@ -74,6 +75,7 @@ private:
     KavroJS::StbMedia *media;
     KavroJS::StbDisplay *display;
     KavroJS::StbPVR *pvr;
+    RecordTimes *recordTimes;
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
     PageEvents *pageEvents; ///< of the current page; null before the first

@@ -70,6 +70,16 @@ const char script[] = R"js(
         return isArray(value) ? arrayFrom(value, number) : number(value);
     }
 
+    // In place of StbPVR.GetRecordsList.
+    var recordTimes = window.recordTimes;
+    delete window.recordTimes;
+    function recordsList() {
+        var records = recordTimes.GetRecordsList();
+        for (var i = 0; i < records.length; ++i)
+            records[i].start = new DateObject(records[i].start);
+        return records;
+    }
+
     function guarded(target, method, index, safe) {
         return function () {
             if (index < arguments.length)
@@ -78,10 +88,11 @@ const char script[] = R"js(
         };
     }
 
+    // By object and slot: which argument is made safe and how, or what is called in place of the slot.
     var guards = {
         StbMedia: {PlayFile: [5, variant]},
         StbDisplay: {SetOrder: [0, numbers]},
-        StbPVR: {AddRecord: [2, dateTime], SetRecordStartTime: [1, variant]},
+        StbPVR: {AddRecord: [2, dateTime], SetRecordStartTime: [1, variant], GetRecordsList: recordsList},
         stb_media: {},
         stb_display: {}
     };
@@ -89,8 +100,9 @@ const char script[] = R"js(
     function addMethod(guard, target, name, slot, isListed) {
         var rule = guards[guard.name][slot];
         var method = target[name];
-        define(guard.object, name, {value: rule ? guarded(target, method, rule[0], rule[1]) : method,
-                                    enumerable: isListed});
+        if (rule)
+            method = typeof rule === 'function' ? rule : guarded(target, method, rule[0], rule[1]);
+        define(guard.object, name, {value: method, enumerable: isListed});
     }
 
     function addProperty(guard, target, name) {

@@ -17,6 +17,7 @@ add_library(kavrostbbrowser MODULE
     browser/KavroStbBrowser.cpp
     browser/PageEvents.cpp
     browser/PageGuard.cpp
+    browser/RecordTimes.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
     config/DirectfbrcParser.cpp
