@@ -16,6 +16,21 @@ struct Press
     Qt::Key key;
 };
 
+// Presses the keys at their times. False if one of them was late.
+bool pressInTime(HostedPlugin &plugin, const QVector<Press> &presses)
+{
+    bool inTime = true;
+    QElapsedTimer clock;
+    clock.start();
+    for (const Press &press : presses) {
+        QTest::qWait(int(qMax<qint64>(0, press.time - clock.elapsed())));
+        plugin.evaluate("now = " + QString::number(press.time));
+        QTest::keyPress(plugin.browser(), press.key);
+        inTime = inTime && clock.elapsed() < press.time + 25;
+    }
+    return inTime;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(QVector<Press>)
@@ -77,15 +92,13 @@ void TestKeys::repeatsOfOneKeyAreThinnedOut()
                             "{ keys.push(now + ':' + String.fromCharCode(event.keyCode)); };</script>"));
     plugin.evaluate(script);
 
-    QElapsedTimer clock;
-    clock.start();
-    for (const Press &press : presses) {
-        QTest::qWait(int(qMax<qint64>(0, press.time - clock.elapsed())));
-        plugin.evaluate("now = " + QString::number(press.time));
-        if (clock.elapsed() > press.time + 25)
-            QSKIP("This computer is too busy to press keys in time");
-        QTest::keyPress(plugin.browser(), press.key);
+    bool inTime = false;
+    for (int attempt = 0; attempt < 10 && !inTime; ++attempt) {
+        QTest::keyPress(plugin.browser(), Qt::Key_Z); // so that the first one is no repeat
+        plugin.evaluate("keys = []");
+        inTime = pressInTime(plugin, presses);
     }
+    QVERIFY2(inTime, "This computer is too busy to press keys in time");
     QCOMPARE(plugin.evaluate("keys.join(' ')").toString(), keys);
 }
 

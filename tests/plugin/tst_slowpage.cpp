@@ -7,13 +7,14 @@
 #include <QWebView>
 #include <QtTest>
 
-// A page that takes longer than the error page waits, but goes on.
+// Pages that are not there when the error page could come.
 class TestSlowPage : public QObject
 {
     Q_OBJECT
 
 private slots:
     void aPageThatMakesProgressMayTakeItsTime();
+    void aReloadThatGetsNoAnswerEndsInTheErrorPage();
 };
 
 void TestSlowPage::aPageThatMakesProgressMayTakeItsTime()
@@ -44,6 +45,30 @@ void TestSlowPage::aPageThatMakesProgressMayTakeItsTime()
     QCOMPARE(plugin.browser()->title(), QString("Portal"));
     QVERIFY(plugin.evaluate("window.done").toBool());
     QCOMPARE(errors.requests().size(), 0);
+}
+
+void TestSlowPage::aReloadThatGetsNoAnswerEndsInTheErrorPage()
+{
+    HttpServer server;
+    server.refuse();
+    server.fallSilent();
+    HttpServer errors;
+    errors.serve("/error", "<title>Error</title>");
+    PluginManifest manifest;
+    manifest.homePage = server.url().toString();
+    manifest.errorPage = errors.url("/error").toString();
+    HostedPlugin::writeManifest(manifest);
+    HostedPlugin plugin;
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.waitForLoad());
+    server.listen();
+
+    // The failure has not stopped the time.
+    QTRY_COMPARE_WITH_TIMEOUT(plugin.browser()->title(), QString("Error"), 9000);
+    QVERIFY2(time.elapsed() < 8000, QByteArray::number(time.elapsed()));
+    QCOMPARE(server.openConnections(), 0);
 }
 
 QTEST_MAIN(TestSlowPage)

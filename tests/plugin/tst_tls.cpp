@@ -34,8 +34,8 @@ public:
                          + QByteArray::number(int(qstrlen(page))) + "\r\n\r\n" + page);
         QProcess maker;
         maker.start("openssl",
-                    {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1", "-keyout",
-                     "/tmp/key.pem", "-out", "/tmp/certificate.pem"});
+                    {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1", "-addext",
+                     "subjectAltName=IP:127.0.0.1", "-keyout", "/tmp/key.pem", "-out", "/tmp/certificate.pem"});
         maker.waitForFinished();
         m_process.setWorkingDirectory("/tmp");
         m_process.setProcessChannelMode(QProcess::MergedChannels);
@@ -76,6 +76,7 @@ private slots:
     void init();
 
     void aServerOfThatVersionIsReached();
+    void aCertificateOfTheBoxIsTrusted();
     void aServerWithoutThatVersionIsTriedAgain();
 };
 
@@ -98,6 +99,22 @@ void TestTls::aServerOfThatVersionIsReached()
     QCOMPARE(log.debugLines(),
              QStringList({"Create request",
                           "--->sslErrorHandler: ", "ssl error:  \"The certificate is self-signed, and untrusted\""}));
+}
+
+void TestTls::aCertificateOfTheBoxIsTrusted()
+{
+    TlsServer server({"-tls1", "-cipher", "ALL:@SECLEVEL=0"});
+    QVERIFY(server.isUp());
+    const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
+    QVERIFY(QFile::remove(bundle)); // it may be a link to the PC's
+    QVERIFY(QFile::copy("/tmp/certificate.pem", bundle));
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    const MessageLog log;
+
+    QVERIFY(plugin.load(server.url()));
+    QCOMPARE(plugin.browser()->title(), QString("Portal"));
+    QCOMPARE(log.debugLines(), QStringList("Create request"));
 }
 
 void TestTls::aServerWithoutThatVersionIsTriedAgain()
