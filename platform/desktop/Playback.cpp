@@ -51,6 +51,7 @@ void Playback::open(const PlayRequest &request, unsigned number)
     m_number = number;
     m_active = true;
     m_complaints.clear();
+    m_explained = false;
     madeProgress();
     if (request.kind == PlayRequest::Magnet) {
         m_magnet = std::make_shared<MagnetDownload>(request.address, request.torrentFile);

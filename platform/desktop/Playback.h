@@ -88,10 +88,11 @@ private:
     bool m_failing = false;
     Rewind m_rewind;
     bool m_rewindSeeking = false;
-    std::string m_complaints;      // of the core about the present request
-    std::string m_failure;         // why the core has given up
-    std::string m_group;           // multicast group that was joined
-    double m_duration = 0;         // seconds
+    std::string m_complaints; // of the core about the present request
+    bool m_explained = false; // by the library that meets the network
+    std::string m_failure;    // why the core has given up
+    std::string m_group;      // multicast group that was joined
+    double m_duration = 0;    // seconds
     bool m_seekable = false;
     bool m_partlySeekable = false; // within what is buffered, as live streams are
     Clock::time_point m_progress;

@@ -3,6 +3,7 @@
 
 // The half of Playback that handles what the player core reports and what time brings.
 
+#include "Diagnosis.h"
 #include "Log.h"
 #include "Multicast.h"
 #include "Playback.h"
@@ -59,8 +60,12 @@ void Playback::work()
         event = m_core.nextEvent(0);
     }
     // The core tells the reason of a failure in its log, which may come after the failure itself.
-    if (m_failing)
+    if (m_failing) {
+        const bool remote = m_request.kind != PlayRequest::File && m_request.kind != PlayRequest::Magnet;
+        if (remote && !m_explained)
+            m_complaints = diagnose(m_request.address);
         fail(m_failure);
+    }
     if (m_active)
         tick();
 }
@@ -103,6 +108,7 @@ void Playback::handle(const mpv_event &event)
 
 void Playback::handleComplaint(const mpv_event_log_message &message)
 {
+    m_explained = m_explained || std::strncmp(message.prefix, "ffmpeg", 6) == 0;
     std::string text = message.text;
     text.erase(text.find_last_not_of('\n') + 1);
     if (m_started || m_complaints.size() > mostComplaints || m_complaints.find(text) != std::string::npos)
@@ -300,12 +306,12 @@ void Playback::reachEnd()
 {
     const PlayerStatus status = m_model.status();
     // Only pictures have a duration that is known for sure.
-    const bool early = status.videoPid >= 0 && status.position + earlyEnd < status.duration;
+    const bool early = status.videoPid >= 0 && status.position + earlyEnd < toMilliseconds(m_duration);
     if (!m_started)
         fail("there is nothing to play in it");
     else if (early && status.request == m_number)
         fail("it breaks off at " + std::to_string(status.position / 1000) + " of "
-             + std::to_string(status.duration / 1000) + " seconds");
+             + std::to_string(toMilliseconds(m_duration) / 1000) + " seconds");
     else
         close(KVR_PLAYER_ENDED);
 }
