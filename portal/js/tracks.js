@@ -29,13 +29,15 @@ var Tracks = (function () {
         return languages[first] || track.descr || 'Track ' + track.id;
     }
 
+    // -1 if there is none.
     function chosenAudio() {
-        return StbMedia.GetAudioPid(Player.id());
+        return Player.isActive() ? StbMedia.GetAudioPid(Player.id()) : -1;
     }
 
     // -1 while subtitles are off.
     function chosenSubtitles() {
-        return StbMedia.IsSubtitlesVisible(Player.id()) === 1 ? StbMedia.GetSubtitlePid(Player.id()) : -1;
+        var isOn = Player.isActive() && StbMedia.IsSubtitlesVisible(Player.id()) === 1;
+        return isOn ? StbMedia.GetSubtitlePid(Player.id()) : -1;
     }
 
     function chooseAudio(track) {
@@ -54,10 +56,10 @@ var Tracks = (function () {
         }).map(nameOf)[0];
     }
 
-    // Says what is heard and read, such as "English sound · German subtitles".
+    // Says what is heard and read, such as "Sound: English · Subtitles: German".
     function summary() {
-        var sound = nameIn(audio(), Player.isActive() ? chosenAudio() : -1);
-        var text = nameIn(subtitles(), Player.isActive() ? chosenSubtitles() : -1);
+        var sound = nameIn(audio(), chosenAudio());
+        var text = nameIn(subtitles(), chosenSubtitles());
         return [sound && 'Sound: ' + sound, text && 'Subtitles: ' + text].filter(Boolean).join('  \u00b7  ');
     }
 

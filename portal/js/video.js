@@ -100,8 +100,16 @@
             var none = { id: -1, descr: '', supported: 1 };
             return [actionRow(), heading('Sound')].concat(Tracks.audio().map(audioRow), heading('Subtitles'),
                 [none].concat(Tracks.subtitles()).map(subtitlesRow));
+        },
+        // There is nothing beside the rows but the picture.
+        handleKey: function (code) {
+            if (code === Keys.LEFT)
+                Screens.back();
+            return code === Keys.LEFT || code === Keys.RIGHT;
         }
     });
+
+    Dom.byId('picture').addEventListener('click', Screens.go.bind(null, 'video'));
 
     Player.listen(function () {
         if (isShown() && Player.state() === Player.ENDED)

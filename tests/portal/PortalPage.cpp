@@ -4,6 +4,7 @@
 #include "PortalPage.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QMetaEnum>
 #include <QPainter>
 #include <QTest>
@@ -13,7 +14,8 @@
 
 QUrl PortalPage::url()
 {
-    return QUrl::fromLocalFile(QCoreApplication::applicationDirPath() + "/../share/kavro/portal/index.html");
+    const QString page = QCoreApplication::applicationDirPath() + "/../share/kavro/portal/index.html";
+    return QUrl::fromLocalFile(QDir::cleanPath(page));
 }
 
 bool PortalPage::open(const QSize &size)
@@ -29,6 +31,11 @@ bool PortalPage::open(const QSize &size)
     evaluate(
         "errors = []; onerror = function (message, file, line) { errors.push(file + ':' + line + ': ' + message); }");
     return screen() == "home";
+}
+
+void PortalPage::forget()
+{
+    evaluate("localStorage.clear()");
 }
 
 void PortalPage::close()

@@ -20,6 +20,8 @@ public:
 
     /// Shows the portal in a plugin of its own. False if that fails. Its calls to the platform are not forgotten.
     bool open(const QSize &size = {1280, 720});
+    /// Has the page forget what it remembers from one start to the next.
+    void forget();
     /// Ends the plugin.
     void close();
 

@@ -24,8 +24,9 @@ KVR_Track track(int id, const char *description)
 QPoint firstTransparent(const QImage &image, const QRect &hole)
 {
     for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(image.pixel(x, y)) != 255 && !hole.contains(x, y))
+            if (qAlpha(line[x]) != 255 && !hole.contains(x, y))
                 return {x, y};
         }
     }
@@ -53,6 +54,7 @@ private slots:
     void thePlayerIsWhereThePictureIs();
     void arrowKeysMoveTheFocus_data();
     void arrowKeysMoveTheFocus();
+    void okOnThePictureShowsItOnTheFullScreen();
     void backReturnsToWhereOneCameFrom_data();
     void backReturnsToWhereOneCameFrom();
     void aLongListFollowsTheFocus();
@@ -247,6 +249,14 @@ void TestPortalLayout::arrowKeysMoveTheFocus()
     QTEST(m_portal.focused(), "expected");
 }
 
+void TestPortalLayout::okOnThePictureShowsItOnTheFullScreen()
+{
+    m_portal.press("Right Return");
+    QCOMPARE(m_portal.screen(), QString("video"));
+    m_portal.press("Backspace Left Down Return Right Return");
+    QCOMPARE(m_portal.screen(), QString("video"));
+}
+
 void TestPortalLayout::backReturnsToWhereOneCameFrom_data()
 {
     QTest::addColumn<QString>("keys");
@@ -261,6 +271,9 @@ void TestPortalLayout::backReturnsToWhereOneCameFrom_data()
     QTest::newRow("from the picture's full screen") << "Right Return Backspace"
                                                     << "home"
                                                     << "picture";
+    QTest::newRow("from the tracks by an arrow") << "Return Return Down Left"
+                                                 << "video"
+                                                 << "picture";
     QTest::newRow("from the tracks") << "Return Return Backspace"
                                      << "video"
                                      << "picture";

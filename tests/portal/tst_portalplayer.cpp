@@ -83,7 +83,7 @@ void TestPortalPlayer::init()
 void TestPortalPlayer::cleanup()
 {
     QCOMPARE(m_portal.errors(), QStringList());
-    m_portal.evaluate("localStorage.clear()");
+    m_portal.forget();
     m_portal.close();
 }
 
