@@ -61,7 +61,8 @@ QLabel *splash(const HostedPlugin &plugin)
 // The inspector has no parent.
 QWebInspector *inspector()
 {
-    for (QWidget *widget : QApplication::allWidgets()) {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget *widget : widgets) {
         if (auto *found = qobject_cast<QWebInspector *>(widget))
             return found;
     }

@@ -14,7 +14,7 @@
 
 namespace {
 
-const QString ignored = "Ignore back/fwd action";
+const char *const ignored = "Ignore back/fwd action";
 
 int requestLines(const MessageLog &log)
 {
@@ -79,7 +79,7 @@ void TestNetwork::theUserAgentNamesTheDevice()
     plugin.evaluate(load);
 
     QTRY_COMPARE(server.requestsFor("/asked").size(), 1);
-    const QByteArray agent = server.requestsFor("/asked").first().headers.value("user-agent");
+    const QByteArray agent = server.requestsFor("/asked").constFirst().headers.value("user-agent");
     QVERIFY2(agent.endsWith(" Kavro MZ412") && !agent.endsWith("  Kavro MZ412"), agent);
     QVERIFY2(agent.contains("AppleWebKit/"), agent);
     QCOMPARE(plugin.evaluate("navigator.userAgent").toByteArray(), agent);
@@ -129,7 +129,7 @@ void TestNetwork::requestsArriveUnchanged()
         "r.setRequestHeader('X-Box', 'one'); r.setRequestHeader('Content-Type', 'text/box'); r.send('body')");
 
     QTRY_COMPARE(server.requestsFor("/form?a=%2F").size(), 1);
-    const HttpServer::Request request = server.requestsFor("/form?a=%2F").first();
+    const HttpServer::Request request = server.requestsFor("/form?a=%2F").constFirst();
     QCOMPARE(request.method, QByteArray("POST"));
     QCOMPARE(request.body, QByteArray("body"));
     QCOMPARE(request.headers.value("x-box"), QByteArray("one"));

@@ -169,7 +169,7 @@ void TestPluginFile::theRevisionFollowsEveryCommit()
     for (const char *subject : {"First", "Second"}) {
         git({"commit", "-q", "--allow-empty", "-m", subject}, sources.path());
         const QString head = git({"rev-parse", "HEAD"}, sources.path());
-        QVERIFY2(QRegularExpression("^[0-9a-f]{40}$").match(head).hasMatch(), qPrintable(head));
+        QCOMPARE(head.size(), 40);
         QCOMPARE(writtenRevision(sources.path()), head);
     }
 }

@@ -235,8 +235,8 @@ void TestPluginObject::itTellsWhatIsFixed()
     QCOMPARE(plugin->relativePath(), QString("stbbrowser/"));
     QCOMPARE(plugin->pluginVersion(), QString("1.1.4"));
     QVERIFY(plugin->needPassword());
-    QVERIFY2(QRegularExpression("^[0-9a-f]{40}$").match(plugin->vcsVersion()).hasMatch(),
-             qPrintable(plugin->vcsVersion()));
+    static const QRegularExpression revision("^[0-9a-f]{40}$");
+    QVERIFY2(revision.match(plugin->vcsVersion()).hasMatch(), qPrintable(plugin->vcsVersion()));
 }
 
 void TestPluginObject::theTimeOfTheBuildIsATimeAndADate()
@@ -245,7 +245,7 @@ void TestPluginObject::theTimeOfTheBuildIsATimeAndADate()
     const QString time = host.application()->compilationTime();
 
     // The day has two places: a blank stands before one of one digit.
-    const QRegularExpression form("^\\d\\d:\\d\\d:\\d\\d [A-Z][a-z]{2} [ \\d]\\d \\d{4}$");
+    static const QRegularExpression form("^\\d\\d:\\d\\d:\\d\\d [A-Z][a-z]{2} [ \\d]\\d \\d{4}$");
     QVERIFY2(form.match(time).hasMatch(), qPrintable(time));
     const QDateTime built = QLocale::c().toDateTime(QString(time).replace("  ", " "), "HH:mm:ss MMM d yyyy");
     QVERIFY2(built.isValid() && built <= QDateTime::currentDateTime(), qPrintable(time));

@@ -12,11 +12,11 @@
 namespace {
 
 // What a page sees of the names when its first script runs.
-const QByteArray look = "<script>var seen = ['StbMedia', 'StbDisplay', 'StbPVR', 'stb_media', 'stb_display'].map("
-                        "function (name) { return typeof window[name]; }).join(' ');"
-                        "var callback = typeof StbMedia === 'object' ? typeof StbMedia.eventCallback : 'no object';"
-                        "</script>";
-const QString allFive = "object object object object object";
+const char *const look = "<script>var seen = ['StbMedia', 'StbDisplay', 'StbPVR', 'stb_media', 'stb_display'].map("
+                         "function (name) { return typeof window[name]; }).join(' ');"
+                         "var callback = typeof StbMedia === 'object' ? typeof StbMedia.eventCallback : 'no object';"
+                         "</script>";
+const char *const allFive = "object object object object object";
 
 } // namespace
 
@@ -44,8 +44,8 @@ void TestScriptObjects::init()
 {
     HostedPlugin::writeManifest(PluginManifest());
     RecordingPlatform::reset();
-    m_server.serve("/first", "<title>First</title>" + look + "<a id='link' href='/second'>on</a>");
-    m_server.serve("/second", "<title>Second</title>" + look);
+    m_server.serve("/first", QByteArray("<title>First</title>") + look + "<a id='link' href='/second'>on</a>");
+    m_server.serve("/second", QByteArray("<title>Second</title>") + look);
     m_server.redirect("/moved", m_server.url("/second"));
 }
 
@@ -69,7 +69,7 @@ void TestScriptObjects::theyAreThereBeforeThePagesFirstScript()
     HostedPlugin plugin;
     QVERIFY(plugin.start());
     QVERIFY(plugin.load(m_server.url("/first")));
-    QCOMPARE(plugin.evaluate("seen").toString(), allFive);
+    QCOMPARE(plugin.evaluate("seen").toString(), QString(allFive));
     if (step.isEmpty())
         return;
     const QString title = step.contains("reload") ? "First" : "Second";
@@ -77,7 +77,7 @@ void TestScriptObjects::theyAreThereBeforeThePagesFirstScript()
     plugin.evaluate("window.seen = 'the page before'; " + step);
     QVERIFY(plugin.waitForLoad());
     QCOMPARE(plugin.browser()->title(), title);
-    QCOMPARE(plugin.evaluate("seen").toString(), allFive);
+    QCOMPARE(plugin.evaluate("seen").toString(), QString(allFive));
     QCOMPARE(plugin.evaluateToJson("typeof StbMedia.CreatePlayer + typeof StbDisplay.ExitToMenu"
                                    "+ typeof stb_media.CreatePlayer"),
              QString("\"functionfunctionfunction\""));
@@ -85,12 +85,12 @@ void TestScriptObjects::theyAreThereBeforeThePagesFirstScript()
 
 void TestScriptObjects::framesHaveNone()
 {
-    m_server.serve("/frames", look + "<iframe id='frame' src='/first'></iframe>");
+    m_server.serve("/frames", look + QByteArray("<iframe id='frame' src='/first'></iframe>"));
     HostedPlugin plugin;
     QVERIFY(plugin.start());
     QVERIFY(plugin.load(m_server.url("/frames")));
 
-    QCOMPARE(plugin.evaluate("seen").toString(), allFive);
+    QCOMPARE(plugin.evaluate("seen").toString(), QString(allFive));
     QCOMPARE(plugin.evaluate("document.getElementById('frame').contentWindow.seen").toString(),
              QString("undefined undefined undefined undefined undefined"));
 }

@@ -109,11 +109,11 @@ void TestTrace::aTraceLineHasDateTimeAndCall()
     plugin.evaluate(script);
 
     QCOMPARE(log.debugLines().size(), 1);
-    const QRegularExpression form(
+    static const QRegularExpression form(
         "^\\[ \"([A-Z][a-z]{2} [A-Z][a-z]{2} \\d{1,2} \\d{4})\" \"(\\d\\d:\\d\\d:\\d\\d)\" \\] "
         "\"(.*)\"$");
-    const QRegularExpressionMatch match = form.match(log.debugLines().first());
-    QVERIFY2(match.hasMatch(), qPrintable(log.debugLines().first()));
+    const QRegularExpressionMatch match = form.match(log.debugLines().constFirst());
+    QVERIFY2(match.hasMatch(), qPrintable(log.debugLines().constFirst()));
     QCOMPARE(match.captured(3), text);
     const QDateTime time(QDate::fromString(match.captured(1), Qt::TextDate), QTime::fromString(match.captured(2)));
     QVERIFY(before.addSecs(-1) <= time && time <= QDateTime::currentDateTime());
@@ -133,7 +133,7 @@ void TestTrace::nothingIsFormattedWhileOff()
     trace("Call(%1)", Counted{&texts});
     QCOMPARE(texts, 1);
     QCOMPARE(log.debugLines().size(), 1);
-    QVERIFY(log.debugLines().first().endsWith("] \"Call(counted)\""));
+    QVERIFY(log.debugLines().constFirst().endsWith("] \"Call(counted)\""));
 }
 
 void TestTrace::theFileIsReadAtTheStart_data()
