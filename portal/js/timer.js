@@ -30,7 +30,7 @@ var Timer = (function () {
             Notice.show('The box refuses the recording (' + answer + ')');
             return;
         }
-        Notice.show(channel.name + ' is recorded ' + startText());
+        Notice.show('The recording begins ' + startText());
         Screens.back();
     }
 

@@ -139,3 +139,9 @@ QByteArrayList PortalPage::takeCalls(const QByteArray &beginning)
     }
     return found;
 }
+
+QByteArray PortalPage::takeLastCall(const QByteArray &beginning)
+{
+    const QByteArrayList calls = takeCalls(beginning);
+    return calls.isEmpty() ? QByteArray() : calls.last();
+}

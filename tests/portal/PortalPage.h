@@ -49,6 +49,8 @@ public:
     static void playerIs(int state, long long position = 0, long long duration = 0);
     /// The calls that begin with a text, since the last time; forgets all others as well.
     static QByteArrayList takeCalls(const QByteArray &beginning);
+    /// The last of them, or nothing.
+    static QByteArray takeLastCall(const QByteArray &beginning);
 
 private:
     std::unique_ptr<HostedPlugin> m_plugin;

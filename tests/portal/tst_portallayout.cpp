@@ -203,11 +203,11 @@ void TestPortalLayout::thePlayerIsWhereThePictureIs()
             .toLatin1();
     };
     const QByteArray small = window(m_portal.place("#picture"));
-    QCOMPARE(PortalPage::takeCalls("KVR_SetPlayerViewPort").last(), small);
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), small);
     m_portal.press("Return");
-    QCOMPARE(PortalPage::takeCalls("KVR_SetPlayerViewPort").last(), window(QRect(QPoint(0, 0), size)));
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), window(QRect(QPoint(0, 0), size)));
     m_portal.press("Backspace");
-    QCOMPARE(PortalPage::takeCalls("KVR_SetPlayerViewPort").last(), small);
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), small);
 }
 
 void TestPortalLayout::arrowKeysMoveTheFocus_data()

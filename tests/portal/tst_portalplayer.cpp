@@ -167,7 +167,7 @@ void TestPortalPlayer::theFullScreenChangesChannels()
     m_portal.press("Return");
     takeCalls();
     m_portal.press(keys);
-    QCOMPARE(PortalPage::takeCalls("KVR_PlayHttp").last(), playing(expected));
+    QCOMPARE(PortalPage::takeLastCall("KVR_PlayHttp"), playing(expected));
     QCOMPARE(m_portal.screen(), QString("video"));
 }
 

@@ -50,7 +50,7 @@ struct Order
 
 Order takeOrder()
 {
-    const QRegularExpression form("^KVR_AddRecord\\((.*), (.*), (\\d+), (\\d+)\\)$");
+    static const QRegularExpression form("^KVR_AddRecord\\((.*), (.*), (\\d+), (\\d+)\\)$");
     const QByteArrayList calls = PortalPage::takeCalls("KVR_AddRecord");
     const auto match = form.match(calls.value(0));
     return {match.captured(1).toUtf8(), match.captured(2).toUtf8(), match.captured(3).toLongLong(),
@@ -224,7 +224,7 @@ void TestPortalRecordings::theTimerReturnsToTheList()
 {
     m_portal.press("Down*3 Return Return Down*2 Right Up*2 Return");
     QCOMPARE(m_portal.screen(), QString("recordings"));
-    QCOMPARE(m_portal.text("#notice"), QString("Test card is recorded in 1 minute"));
+    QCOMPARE(m_portal.text("#notice"), QString("The recording begins in 1 minute"));
 }
 
 void TestPortalRecordings::aRecordingThatTheBoxRefusesIsSaid()
@@ -274,18 +274,18 @@ void TestPortalRecordings::aRecordingWindsAndPauses()
     m_portal.press("Right");
     QCOMPARE(PortalPage::takeCalls("KVR_SetPosition"), QByteArrayList{"KVR_SetPosition(1, 25000)"});
     m_portal.press("Left Left");
-    QCOMPARE(PortalPage::takeCalls("KVR_SetPosition").last(), QByteArray("KVR_SetPosition(1, 5000)"));
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPosition"), QByteArray("KVR_SetPosition(1, 5000)"));
     PortalPage::playerIs(KVR_PLAYER_PLAYING, 5000, 60000);
     m_portal.press("Left Up Down");
     QCOMPARE(PortalPage::takeCalls("KVR_SetPosition"), QByteArrayList{"KVR_SetPosition(1, 0)"});
     QCOMPARE(m_portal.text("#playing-kind"), QString("RECORDING"));
 
     m_portal.press("Return");
-    QCOMPARE(m_portal.rows().first(), QString("Pause"));
+    QCOMPARE(m_portal.rows().constFirst(), QString("Pause"));
     m_portal.press("Return");
     QCOMPARE(PortalPage::takeCalls("KVR_Pause"), QByteArrayList{"KVR_Pause(1)"});
     become(KVR_PLAYER_PAUSED, 5000, 60000);
-    QCOMPARE(m_portal.rows().first(), QString("Continue"));
+    QCOMPARE(m_portal.rows().constFirst(), QString("Continue"));
     m_portal.press("Return");
     QCOMPARE(PortalPage::takeCalls("KVR_Continue"), QByteArrayList{"KVR_Continue(1)"});
 }
