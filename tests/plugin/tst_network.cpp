@@ -41,6 +41,7 @@ private slots:
     void theCertificatesAreThoseOfTheBox();
     void historyDoesNotChangeThePage_data();
     void historyDoesNotChangeThePage();
+    void actionsAreIgnoredWithNowhereToGoToo();
     void historyWithinAPageKeepsThePage_data();
     void historyWithinAPageKeepsThePage();
     void backspaceWritesInAField();
@@ -238,6 +239,21 @@ void TestNetwork::historyDoesNotChangeThePage()
     QCOMPARE(plugin.browser()->url(), m_server.url("/third"));
     QCOMPARE(m_server.requests().size(), requests);
     QCOMPARE(log.debugLines(), QStringList(ignored));
+}
+
+void TestNetwork::actionsAreIgnoredWithNowhereToGoToo()
+{
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.load(m_server.url("/first")));
+    plugin.browser()->history()->clear();
+    QVERIFY(!plugin.browser()->history()->canGoBack() && !plugin.browser()->history()->canGoForward());
+    const MessageLog log;
+
+    plugin.browser()->page()->triggerAction(QWebPage::Back);
+    QCOMPARE(log.debugLines(), QStringList(ignored));
+    plugin.browser()->page()->triggerAction(QWebPage::Forward);
+    QCOMPARE(log.debugLines(), QStringList({ignored, ignored}));
 }
 
 void TestNetwork::historyWithinAPageKeepsThePage_data()
