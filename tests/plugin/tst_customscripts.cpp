@@ -19,8 +19,8 @@ using RecordingPlatform::Answer;
 
 namespace {
 
-const QString customDirectory = "/usr/local/bin/custom/";
-const QString sdkDirectory = "/sdk/custom_scripts/";
+const QLatin1String customDirectory("/usr/local/bin/custom/");
+const QLatin1String sdkDirectory("/sdk/custom_scripts/");
 
 void writeScript(const QString &name, const QByteArray &text, const QString &directory = customDirectory)
 {

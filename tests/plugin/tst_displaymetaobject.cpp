@@ -7,8 +7,13 @@
 #include "jsapi/StbPVR.h"
 #include "shell/CStbApplication.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QtTest>
+
+Q_DECLARE_METATYPE(const QMetaObject *)
 
 namespace {
 
@@ -61,6 +66,14 @@ private slots:
     void displayHasItsProperties();
     void pvrHasItsSlots();
     void pagesSeeTheSameMembersInThisOrder();
+    void theReferenceHasEachMethodOnce_data();
+    void theReferenceHasEachMethodOnce();
+    void theReferenceHasEachProperty();
+    void theReferencesExamplesAreScripts_data();
+    void theReferencesExamplesAreScripts();
+
+private:
+    static QString reference(const QString &object);
 };
 
 void TestDisplayMetaObject::classesHaveTheirNames()
@@ -174,6 +187,85 @@ void TestDisplayMetaObject::pagesSeeTheSameMembersInThisOrder()
     QCOMPARE(pvr.mid(pvr.size() - pvrTable.size()), pvrTable);
     QCOMPARE(plugin.evaluate("String(StbDisplay)"), QVariant("KavroJS::StbDisplay(name = \"\")"));
     QCOMPARE(plugin.evaluate("StbPVR.toString()"), QVariant("KavroJS::StbPVR(name = \"\")"));
+}
+
+QString TestDisplayMetaObject::reference(const QString &object)
+{
+    QFile file(QCoreApplication::applicationDirPath() + "/docs/api/" + object + ".md");
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void TestDisplayMetaObject::theReferenceHasEachMethodOnce_data()
+{
+    QTest::addColumn<const QMetaObject *>("metaObject");
+    QTest::newRow("StbDisplay") << &KavroJS::StbDisplay::staticMetaObject;
+    QTest::newRow("StbPVR") << &KavroJS::StbPVR::staticMetaObject;
+}
+
+void TestDisplayMetaObject::theReferenceHasEachMethodOnce()
+{
+    QFETCH(const QMetaObject *const, metaObject);
+    static const QRegularExpression heading(R"(^#### `(\w+)\((.*)\)`$)", QRegularExpression::MultilineOption);
+    QMap<QString, QStringList> documented;
+    for (auto matches = heading.globalMatch(reference(QTest::currentDataTag())); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        QVERIFY2(!documented.contains(match.captured(1)), qPrintable(match.captured(1)));
+        documented[match.captured(1)] = match.captured(2).split(", ", Qt::SkipEmptyParts);
+    }
+    for (int i = metaObject->methodOffset(); i < metaObject->methodCount(); ++i) {
+        const QMetaMethod method = metaObject->method(i);
+        if (method.methodType() != QMetaMethod::Slot)
+            continue;
+        QVERIFY2(documented.contains(method.name()), method.name().constData());
+        const QStringList names = documented.take(method.name());
+        QCOMPARE(names.size(), method.parameterCount());
+        for (int n = 0; n < names.size(); ++n) {
+            const QString name = method.parameterNames().at(n);
+            QCOMPARE(names[n], name.isEmpty() ? names[n] : name);
+        }
+    }
+    QCOMPARE(documented.keys(), QStringList());
+}
+
+void TestDisplayMetaObject::theReferenceHasEachProperty()
+{
+    static const QRegularExpression row(R"(^\| `(\w+)` \|)", QRegularExpression::MultilineOption);
+    QStringList documented;
+    for (auto matches = row.globalMatch(reference("StbDisplay").section("## The box", 1).section("####", 0, 0));
+         matches.hasNext();)
+        documented += matches.next().captured(1);
+    const QMetaObject &metaObject = KavroJS::StbDisplay::staticMetaObject;
+    QStringList properties;
+    for (int i = metaObject.propertyOffset(); i < metaObject.propertyCount(); ++i)
+        properties += metaObject.property(i).name();
+    QCOMPARE(documented, properties);
+}
+
+void TestDisplayMetaObject::theReferencesExamplesAreScripts_data()
+{
+    QTest::addColumn<int>("examples");
+    QTest::newRow("StbDisplay") << 6;
+    QTest::newRow("StbPVR") << 3;
+}
+
+void TestDisplayMetaObject::theReferencesExamplesAreScripts()
+{
+    QFETCH(const int, examples);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.loadHtml("<title>examples</title>"));
+    static const QRegularExpression block(
+        "^```js\n(.*?)^```", QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
+    int count = 0;
+    for (auto matches = block.globalMatch(reference(QTest::currentDataTag())); matches.hasNext(); ++count) {
+        const QString example = matches.next().captured(1);
+        const QString quoted = QJsonDocument(QJsonArray{example}).toJson(QJsonDocument::Compact);
+        // What a method answers is a value, not a script.
+        const QString script =
+            (example.startsWith('{') ? "new Function('return ' + " : "new Function(") + quoted + "[0])";
+        QCOMPARE(plugin.evaluateToJson("typeof " + script), QString("\"function\""));
+    }
+    QCOMPARE(count, examples);
 }
 
 QTEST_MAIN(TestDisplayMetaObject)

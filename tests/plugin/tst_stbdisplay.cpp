@@ -70,6 +70,8 @@ const QVector<Row> &rows()
          "StbDisplay.SetAlphaLevel(128)", "KVR_SetGraphicsAlphaLevel(128)", -7, "-7"},
         {"alpha beyond a signed number", "StbDisplay.SetAlphaLevel(4294967295)",
          "StbDisplay.SetAlphaLevel(4294967295)", "KVR_SetGraphicsAlphaLevel(4294967295)", -3, "-3"},
+        {"negative alpha", "StbDisplay.SetAlphaLevel(-1)",
+         "StbDisplay.SetAlphaLevel(4294967295)", "KVR_SetGraphicsAlphaLevel(4294967295)", -3, "-3"},
         {"alpha asked", "StbDisplay.GetAlphaLevel()",
          "StbDisplay.GetAlphaLevel()", "KVR_GetGraphicsAlphaLevel()", 255, "255"},
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-const QString root = "/mnt/stb";
+const QLatin1String root("/mnt/stb");
 
 void emptyStorage()
 {
