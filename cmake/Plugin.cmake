@@ -60,6 +60,8 @@ target_include_directories(kavrostbbrowser PRIVATE ${CMAKE_SOURCE_DIR} ${KAVRO_R
 target_link_libraries(kavrostbbrowser PRIVATE
     kavro_warnings stbapi_desktop Qt5::Gui Qt5::Network Qt5::WebKitWidgets Qt5::Widgets Qt5::Xml resolv)
 # A class that was left out above would otherwise only be missed when a launcher loads the plugin.
-target_link_options(kavrostbbrowser PRIVATE LINKER:-z,defs)
+target_link_options(kavrostbbrowser PRIVATE
+    LINKER:-z,defs LINKER:--version-script=${CMAKE_SOURCE_DIR}/cmake/plugin.map)
+set_target_properties(kavrostbbrowser PROPERTIES LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/plugin.map)
 add_dependencies(kavrostbbrowser kavro_revision)
 install(TARGETS kavrostbbrowser LIBRARY DESTINATION lib/kavro)
