@@ -93,6 +93,7 @@ void MpvCore::set(const char *property, double value)
 void MpvCore::command(const std::vector<std::string> &words)
 {
     std::vector<const char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);

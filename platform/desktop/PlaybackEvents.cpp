@@ -293,11 +293,10 @@ void Playback::updateState()
     if (!m_active)
         return;
     KVR_PlayerState state = KVR_PLAYER_PLAYING;
-    if (!m_started || !m_tracksSelected)
-        state = KVR_PLAYER_OPENING;
-    else if (m_paused)
+    const bool ready = m_started && m_tracksSelected;
+    if (ready && m_paused)
         state = KVR_PLAYER_PAUSED;
-    else if (m_buffering)
+    else if (!ready || m_buffering)
         state = KVR_PLAYER_OPENING;
     m_model.changeFor(m_number, [=](PlayerStatus &status) { status.state = state; });
 }

@@ -29,7 +29,7 @@ QByteArray textOf(int (*get)(char **))
     char *text = nullptr;
     if (get(&text) != KVR_OK)
         return {};
-    const QByteArray result = text;
+    QByteArray result = text;
     free(text);
     return result;
 }
