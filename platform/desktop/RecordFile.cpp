@@ -75,7 +75,7 @@ RecordFile::~RecordFile()
 
 std::string RecordFile::create(const std::string &name)
 {
-    const std::string problem = problemOf(name);
+    std::string problem = problemOf(name);
     if (!problem.empty())
         return problem;
     const std::filesystem::path path = belowRoot(name);

@@ -13,7 +13,7 @@
 namespace {
 
 std::mutex mutex;
-QList<DeskEvents::Event> events;
+Q_GLOBAL_STATIC(QList<DeskEvents::Event>, events)
 QElapsedTimer timer;
 void (*reaction)(int type) = nullptr;
 
@@ -23,7 +23,7 @@ int handle(int argument)
     void (*react)(int) = nullptr;
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        events.append({Type, argument, timer.elapsed(), std::this_thread::get_id()});
+        events->append({Type, argument, timer.elapsed(), std::this_thread::get_id()});
         react = reaction;
     }
     if (react)
@@ -82,13 +82,14 @@ DeskEvents::~DeskEvents()
 QList<DeskEvents::Event> DeskEvents::all()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    return events;
+    return *events;
 }
 
 QList<DeskEvents::Event> DeskEvents::of(int type)
 {
     QList<Event> result;
-    for (const Event &event : all()) {
+    const QList<Event> everything = all();
+    for (const Event &event : everything) {
         if (event.type == type)
             result.append(event);
     }
@@ -98,7 +99,7 @@ QList<DeskEvents::Event> DeskEvents::of(int type)
 void DeskEvents::clear()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    events.clear();
+    events->clear();
     timer.start();
 }
 

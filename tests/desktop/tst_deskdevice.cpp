@@ -150,7 +150,7 @@ void TestDeskDevice::synchronisingSaysSoWhenTheFileIsThere()
     QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
     QVERIFY(contentOf(bootParameters).contains("buf_time_http=1234\n"));
     QTRY_COMPARE(DeskEvents::count(KVR_EVENT_SYNC_DONE), 1);
-    QCOMPARE(DeskEvents::of(KVR_EVENT_SYNC_DONE).first().argument, int(KVR_BOX));
+    QCOMPARE(DeskEvents::of(KVR_EVENT_SYNC_DONE).constFirst().argument, int(KVR_BOX));
 }
 
 void TestDeskDevice::aKillLeavesTheOldOrTheNewParameters()
@@ -188,8 +188,8 @@ void TestDeskDevice::outputsAndHdmiTellOfChanges()
     QCOMPARE(KVR_IsOutportsEnabled(), 0);
     QTRY_COMPARE(DeskEvents::all().size(), 3);
     QCOMPARE(DeskEvents::count(KVR_EVENT_HDMI), 1);
-    QCOMPARE(DeskEvents::of(KVR_EVENT_HDMI).first().argument, int(KVR_HDMI_UNPLUGGED));
-    QCOMPARE(DeskEvents::of(KVR_EVENT_OUTPUT_PORTS).first().argument, 0);
+    QCOMPARE(DeskEvents::of(KVR_EVENT_HDMI).constFirst().argument, int(KVR_HDMI_UNPLUGGED));
+    QCOMPARE(DeskEvents::of(KVR_EVENT_OUTPUT_PORTS).constFirst().argument, 0);
     QCOMPARE(DeskEvents::count(KVR_EVENT_OUTPUT_STATE), 1);
 }
 

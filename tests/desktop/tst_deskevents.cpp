@@ -75,7 +75,8 @@ void TestDeskEvents::aHandlerIsNeverCalledFromInsideACall()
         for (int i = 0; i < burst; ++i)
             KVR_SetVolume(id, i % 2 ? 30 : 40);
         QTRY_COMPARE(DeskEvents::count(KVR_EVENT_VOLUME), burst);
-        for (const DeskEvents::Event &event : DeskEvents::all())
+        const QList<DeskEvents::Event> all = DeskEvents::all();
+        for (const DeskEvents::Event &event : all)
             QVERIFY(event.thread != std::this_thread::get_id());
     }
     QCOMPARE(KVR_ClosePlayer(id), int(KVR_OK));

@@ -47,7 +47,8 @@ int entriesOf(const char *folder)
 // Resident memory of this process, in KiB.
 int residentMemory()
 {
-    for (const QByteArray &line : contentOf("/proc/self/status").split('\n')) {
+    const QList<QByteArray> lines = contentOf("/proc/self/status").split('\n');
+    for (const QByteArray &line : lines) {
         if (line.startsWith("VmRSS:"))
             return line.mid(6).trimmed().split(' ').first().toInt();
     }
@@ -255,7 +256,8 @@ void TestDeskFailures::aSourceThatFailsIsAnErrorInTime()
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(attempt.id), int(KVR_PLAYER_ERROR), int(std::max(rest, qint64(1))));
     const QString start = QString("player %1: cannot play").arg(attempt.id);
     QString told;
-    for (const QString &line : m_log.text().split('\n')) {
+    const QStringList lines = m_log.text().split('\n');
+    for (const QString &line : lines) {
         if (line.contains(start))
             told = line;
     }

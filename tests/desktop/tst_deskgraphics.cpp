@@ -66,7 +66,8 @@ private slots:
 
 void TestDeskGraphics::cleanup()
 {
-    for (const int id : order())
+    const auto players = order();
+    for (const int id : players)
         KVR_ClosePlayer(id);
     KVR_SetCurrentLayout(0);
     KVR_SetResolution(1920, 1080);

@@ -127,7 +127,8 @@ void TestDeskPlayers::aFilePlaysToItsEnd()
     QVERIFY(DeskEvents::count(KVR_EVENT_METADATA) >= 1);
     QVERIFY(DeskEvents::count(KVR_EVENT_VIDEO) >= 1);
     QVERIFY(DeskEvents::count(KVR_EVENT_AUDIO) >= 1);
-    for (const DeskEvents::Event &event : DeskEvents::all())
+    const QList<DeskEvents::Event> all = DeskEvents::all();
+    for (const DeskEvents::Event &event : all)
         QCOMPARE(event.argument, m_id);
 }
 

@@ -28,35 +28,36 @@ int threadNumber()
 }
 
 // The threads and arguments with which the handler below was called.
-QMutex seenMutex;
-QVector<QPair<int, int>> seen;
+using Calls = QVector<QPair<int, int>>; // thread and argument
+Q_GLOBAL_STATIC(QMutex, seenMutex)
+Q_GLOBAL_STATIC(Calls, seen)
 
 int noteArgument(int argument)
 {
-    const QMutexLocker lock(&seenMutex);
-    seen += qMakePair(threadNumber(), argument);
+    const QMutexLocker lock(seenMutex);
+    *seen += qMakePair(threadNumber(), argument);
     return 0;
 }
 
 constexpr int meetingThreads = 4;
-QSemaphore arrivals;
-QSemaphore departures;
+Q_GLOBAL_STATIC(QSemaphore, arrivals)
+Q_GLOBAL_STATIC(QSemaphore, departures)
 std::atomic<int> met{0};
 
 // Stays until the test lets it go, or for 5 seconds.
 int meet(int)
 {
-    arrivals.release();
-    if (departures.tryAcquire(1, 5000))
+    arrivals->release();
+    if (departures->tryAcquire(1, 5000))
         ++met;
     return 0;
 }
 
 QVector<int> seenArguments()
 {
-    const QMutexLocker lock(&seenMutex);
+    const QMutexLocker lock(seenMutex);
     QVector<int> arguments;
-    for (const auto &call : qAsConst(seen))
+    for (const auto &call : qAsConst(*seen))
         arguments += call.second;
     return arguments;
 }
@@ -125,7 +126,7 @@ void TestRecordingPlatform::cleanup()
 {
     RecordingPlatform::reset();
     RecordingPlatform::forgetHandlers();
-    seen.clear();
+    seen->clear();
 }
 
 void TestRecordingPlatform::callsAreTextsWithAllArguments_data()
@@ -445,8 +446,8 @@ void TestRecordingPlatform::eventsComeFromOneThreadOfTheLibraryInTheirOrder()
     RecordingPlatform::waitUntilFired();
     QCOMPARE(seenArguments(), (QVector<int>{7, 2, 7}));
     QCOMPARE(RecordingPlatform::deliveredEvents() - before, 3);
-    QVERIFY(seen.first().first != threadNumber());
-    QCOMPARE(seen.first().first, seen.last().first);
+    QVERIFY(seen->first().first != threadNumber());
+    QCOMPARE(seen->first().first, seen->last().first);
 }
 
 void TestRecordingPlatform::noEventComesInsideACallUnlessAskedFor()
@@ -456,10 +457,10 @@ void TestRecordingPlatform::noEventComesInsideACallUnlessAskedFor()
     RecordingPlatform::onCall("KVR_Stop", [] { RecordingPlatform::fireHere({1, KVR_EVENT_STATE, 9}); });
     KVR_Pause(1);
     RecordingPlatform::waitUntilFired();
-    QVERIFY(seen.takeFirst().first != threadNumber());
+    QVERIFY(seen->takeFirst().first != threadNumber());
     KVR_Stop(1);
-    QCOMPARE(seen.size(), 1);
-    QCOMPARE(seen.first().first, threadNumber());
+    QCOMPARE(seen->size(), 1);
+    QCOMPARE(seen->first().first, threadNumber());
 }
 
 void TestRecordingPlatform::recordsHaveAHandlerOfTheirOwn()
@@ -479,8 +480,8 @@ void TestRecordingPlatform::severalThreadsFireAtOnce()
     RecordingPlatform::fireFromThreads(meetingThreads, 1, [](int, int) {
         return RecordingPlatform::Event{1, KVR_EVENT_STATE, 1};
     });
-    QVERIFY(arrivals.tryAcquire(meetingThreads, 5000));
-    departures.release(meetingThreads);
+    QVERIFY(arrivals->tryAcquire(meetingThreads, 5000));
+    departures->release(meetingThreads);
     RecordingPlatform::waitUntilFired();
     QCOMPARE(int(met), meetingThreads);
 }
@@ -497,7 +498,7 @@ void TestRecordingPlatform::eachThreadFiresInOrder()
     RecordingPlatform::waitUntilFired();
 
     QHash<int, QVector<int>> byThread;
-    for (const auto &call : qAsConst(seen))
+    for (const auto &call : qAsConst(*seen))
         byThread[call.first] += call.second;
     QCOMPARE(byThread.size(), threads);
     for (const QVector<int> &arguments : qAsConst(byThread)) {

@@ -42,8 +42,10 @@ void TestStbApiHeader::initTestCase()
     m_header = file.readAll();
 
     QString code = m_header;
-    code.remove(QRegularExpression("/\\*.*?\\*/", QRegularExpression::DotMatchesEverythingOption));
-    auto matches = QRegularExpression("\\b(KVR_\\w+)\\(").globalMatch(code);
+    static const QRegularExpression comment("/\\*.*?\\*/", QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression function("\\b(KVR_\\w+)\\(");
+    code.remove(comment);
+    auto matches = function.globalMatch(code);
     while (matches.hasNext())
         m_functions += matches.next().captured(1).toUtf8();
     QVERIFY(m_functions.size() > 1);
@@ -83,11 +85,12 @@ void TestStbApiHeader::everyFunctionHasACommentAboveItOrItsGroup()
 {
     // A group is a run of lines without an empty one.
     const QString text = m_header;
-    const QRegularExpression emptyLines("\n\\s*\n");
+    static const QRegularExpression emptyLines("\n\\s*\n");
+    static const QRegularExpression declaration("^[\\w *]*\\bKVR_\\w+\\(", QRegularExpression::MultilineOption);
     QByteArrayList undocumented;
-    for (const QString &group : text.split(emptyLines)) {
-        const int function =
-            group.indexOf(QRegularExpression("^[\\w *]*\\bKVR_\\w+\\(", QRegularExpression::MultilineOption));
+    const QStringList groups = text.split(emptyLines);
+    for (const QString &group : groups) {
+        const int function = group.indexOf(declaration);
         if (function >= 0 && !group.trimmed().startsWith("/*"))
             undocumented += group.mid(function).toUtf8();
     }
@@ -111,7 +114,8 @@ void TestStbApiHeader::librariesOfferExactlyItsFunctions()
     QVERIFY2(nm.waitForFinished(), qPrintable(nm.errorString()));
     QVERIFY2(nm.exitCode() == 0, nm.readAllStandardError());
     QByteArrayList offered;
-    for (const QByteArray &name : nm.readAllStandardOutput().split('\n')) {
+    const QList<QByteArray> names = nm.readAllStandardOutput().split('\n');
+    for (const QByteArray &name : names) {
         if (name.startsWith("KVR_"))
             offered += name;
     }

@@ -35,7 +35,8 @@ QByteArray headOf(const HttpServer::Page &page)
                                      {"Content-Length", QByteArray::number(page.body.size())},
                                      {"Connection", "close"}};
     QByteArray head = "HTTP/1.1 " + QByteArray::number(page.status) + " Test\r\n";
-    for (const auto &header : own + page.headers)
+    const HttpServer::Headers all = own + page.headers;
+    for (const auto &header : all)
         head += header.first + ": " + header.second + "\r\n";
     return head + "\r\n";
 }

@@ -42,7 +42,8 @@ QList<MessageLog::Message> MessageLog::messages() const
 QStringList MessageLog::lines(QtMsgType type) const
 {
     QStringList texts;
-    for (const Message &message : messages()) {
+    const auto all = messages();
+    for (const Message &message : all) {
         if (message.type == type)
             texts += message.text;
     }
