@@ -6,6 +6,7 @@
 #include "Log.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <libtorrent/alert_types.hpp>
 #include <libtorrent/download_priority.hpp>
@@ -27,7 +28,7 @@ constexpr std::int64_t largestFile = 32LL << 30;
 constexpr std::int64_t diskReserve = 256LL << 20;
 
 constexpr int piecesAhead = 8;
-constexpr std::chrono::milliseconds alertInterval{250};
+constexpr std::chrono::milliseconds updateInterval{250};
 
 // The folder of a download. What a killed process has left behind goes before the first one.
 std::string newFolder()
@@ -49,7 +50,11 @@ lt::session_params sessionParameters()
     // A portal under development must not reconfigure the router of its developer.
     settings.set_bool(lt::settings_pack::enable_upnp, false);
     settings.set_bool(lt::settings_pack::enable_natpmp, false);
+    // While the file is not chosen, nothing is wanted of the peers that gave the list of files; they must stay.
+    settings.set_bool(lt::settings_pack::close_redundant_connections, false);
     settings.set_int(lt::settings_pack::stop_tracker_timeout, 1);
+    // What is wanted after a seek waits for what was asked for before it: no more than a second's worth.
+    settings.set_int(lt::settings_pack::request_queue_time, 1);
     return lt::session_params(settings);
 }
 
@@ -124,14 +129,19 @@ std::int64_t MagnetDownload::size() const
 
 void MagnetDownload::run()
 {
+    auto nextUpdate = std::chrono::steady_clock::now();
     while (!m_stopping) {
-        if (m_session->wait_for_alert(alertInterval)) {
+        if (m_session->wait_for_alert(updateInterval)) {
             std::vector<lt::alert *> alerts;
             m_session->pop_alerts(&alerts);
             for (lt::alert *alert : alerts)
                 handle(alert);
         }
-        m_session->post_torrent_updates();
+        // An update is an alert too: asked for at each turn, it would keep the session busy with nothing else.
+        if (std::chrono::steady_clock::now() >= nextUpdate) {
+            m_session->post_torrent_updates();
+            nextUpdate = std::chrono::steady_clock::now() + updateInterval;
+        }
     }
 }
 
@@ -146,6 +156,8 @@ void MagnetDownload::handle(lt::alert *alert)
         for (const lt::torrent_status &status : update->status)
             m_received = status.total_download;
     } else if (const auto *piece = lt::alert_cast<lt::read_piece_alert>(alert)) {
+        if (piece->error == boost::system::errc::operation_canceled)
+            return; // by a request of another
         if (piece->error) {
             fail("piece " + std::to_string(static_cast<int>(piece->piece)) + ": " + piece->error.message());
             return;
@@ -207,6 +219,8 @@ void MagnetDownload::fail(const std::string &reason)
 
 void MagnetDownload::request(int piece)
 {
+    if (piece != m_requestedPiece + 1)
+        m_torrent.clear_piece_deadlines();
     m_requestedPiece = piece;
     m_torrent.set_piece_deadline(lt::piece_index_t{piece}, 0, lt::torrent_handle::alert_when_available);
     for (int ahead = 1; ahead <= piecesAhead && piece + ahead <= m_lastPiece; ++ahead)
