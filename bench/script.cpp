@@ -1,0 +1,34 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// A call from the page of a slot that takes and gives a number.
+
+#include "Child.h"
+#include "Comparison.h"
+#include "HttpServer.h"
+#include "PortalPage.h"
+#include "Statistics.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    HttpServer server;
+    server.serve("/", portalPage());
+    const QString page = server.url().toString();
+
+    // The engine looks a name up among all.
+    const auto names = [&](const QString &program) { return Child(program, {"names", page}).values().value(0); };
+    if (names("plugin") != names("bare"))
+        qFatal("The bare object has %g names, the plugin's %g; give it those of StbMedia", names("bare"),
+               names("plugin"));
+
+    const auto callTime = [&](const QString &program) {
+        return Statistics::median(Child(program, {"calls", page, "9", "100000"}).values());
+    };
+    const Comparison comparison({"script call", "ns", 0}, {"plugin", "bare"}, 15, callTime);
+    Table table("script", Comparison::columns());
+    comparison.addRow(&table, "bare", Comparison::Limit{Comparison::Limit::RatioAtMost, 1.1});
+    return table.finish();
+}
