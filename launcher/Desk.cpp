@@ -102,8 +102,11 @@ void Desk::startPlugin()
     m_window->setWindowIcon(QIcon(m_plugin.application()->appLogo()));
 
     m_longestWait.start(longestWaitForPage);
-    if (m_options.exitAfter)
-        m_end.start(qRound(*m_options.exitAfter * 1000));
+    if (m_options.exitAfter) {
+        const std::chrono::milliseconds time(qRound(*m_options.exitAfter * 1000));
+        m_end.start(time);
+        m_watchdog.expectEndAfter(time, m_options.screenshot.isEmpty() ? ExitStatus::Done : ExitStatus::Failed);
+    }
 }
 
 void Desk::showRemoteControl()
@@ -135,9 +138,11 @@ void Desk::leave(int status)
 {
     if (m_left)
         return;
-    const bool isSaved = status == restart || saveScreenshot();
+    if (status != restart && !saveScreenshot())
+        status = ExitStatus::Failed;
     m_left = true;
-    QApplication::exit(isSaved ? status : int(ExitStatus::Failed));
+    m_watchdog.expectEndAfter(std::chrono::milliseconds(0), status == restart ? int(ExitStatus::Failed) : status);
+    QApplication::exit(status);
 }
 
 bool Desk::saveScreenshot()

@@ -9,6 +9,7 @@
 #include "Screen.h"
 #include "ScreenWindow.h"
 #include "UnixSignals.h"
+#include "Watchdog.h"
 
 #include <QElapsedTimer>
 
@@ -47,6 +48,7 @@ private:
 
     const Options m_options;
     UnixSignals m_signals;
+    Watchdog m_watchdog;
     std::unique_ptr<Screen> m_screen;
     PluginHost m_plugin;
     std::unique_ptr<ScreenWindow> m_window;

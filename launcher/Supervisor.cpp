@@ -19,6 +19,7 @@
 namespace {
 
 const int timeBetweenSignals = 200; // ms
+const int longestEnd = 10000;       // ms, of a page whose script does not let the box end
 const int inBoxFailed = 125;
 
 } // namespace
@@ -75,6 +76,9 @@ void Supervisor::end()
     auto *repeat = new QTimer(&m_process);
     connect(repeat, &QTimer::timeout, this, [this] { signalBox(SIGTERM); });
     repeat->start(timeBetweenSignals);
+    auto *last = new QTimer(&m_process);
+    connect(last, &QTimer::timeout, this, [this] { signalBox(SIGKILL); });
+    last->start(longestEnd);
     signalBox(SIGTERM);
 }
 

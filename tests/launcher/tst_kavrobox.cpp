@@ -33,6 +33,8 @@ private slots:
     void aSignalEndsItCleanly_data();
     void aSignalEndsItCleanly();
     void aSignalDuringTheStartEndsItToo();
+    void anEndlessScriptDoesNotKeepItFromEnding_data();
+    void anEndlessScriptDoesNotKeepItFromEnding();
     void itIsKilledWithTheProcessThatStartedIt();
     void aSecondStartOnTheSameDirectorySaysSoAndLeaves();
     void boxesWithDifferentDirectoriesRunSideBySide();
@@ -122,6 +124,26 @@ void TestKavroBox::aSignalDuringTheStartEndsItToo()
     QTRY_VERIFY(m_program->errors().contains("kavro-box: page about:blank")); // the last thing before the box
     kill(pid_t(m_program->processId()), SIGTERM);
     QCOMPARE(m_program->finish(), 0);
+}
+
+void TestKavroBox::anEndlessScriptDoesNotKeepItFromEnding_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QString>("time");
+    QTest::addColumn<int>("status");
+    QTest::newRow("before the picture") << QByteArray("for (;;);") << "5" << 1;
+    QTest::newRow("after the picture") << QByteArray("onunload = function () { for (;;); }; leave(0);") << "60" << 0;
+}
+
+void TestKavroBox::anEndlessScriptDoesNotKeepItFromEnding()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QString, time);
+    QFETCH(int, status);
+    m_server->serve("/", page("setTimeout(function () {" + script + "}, 100);"));
+    begin({"--exit-after", time, m_server->url().toString()});
+    QCOMPARE(m_program->finish(), status);
+    QVERIFY(m_program->errors().contains("the page's script does not end"));
 }
 
 void TestKavroBox::itIsKilledWithTheProcessThatStartedIt()
