@@ -3,6 +3,7 @@
 
 #include "browser/AddressDialog.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -37,6 +38,10 @@ AddressDialog::AddressDialog(QWebView *view, const char *slot)
     : QDialog(view)
 {
     setFixedSize(400, 100);
+    // It would take the window's black background, before which its text, black too, is not to be seen.
+    QPalette colors = palette();
+    colors.setBrush(QPalette::Window, QApplication::palette().brush(QPalette::Window));
+    setPalette(colors);
     new QLabel(QLatin1String("Enter URL: "), this);
     QLineEdit *edit = new QLineEdit(view->url().toString(), this);
     edit->setFixedWidth(300);

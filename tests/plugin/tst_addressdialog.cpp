@@ -95,6 +95,7 @@ void TestAddressDialog::itShowsTheCurrentAddress()
         auto *label = dialog->findChild<QLabel *>();
         QCOMPARE(label->text(), QString("Enter URL: "));
         QCOMPARE(label->pos(), QPoint(0, 0));
+        QVERIFY(label->palette().color(QPalette::Window) != label->palette().color(QPalette::WindowText));
         auto *edit = dialog->findChild<QLineEdit *>();
         QCOMPARE(edit->text(), m_server.url("/first").toString());
         QCOMPARE(edit->pos(), QPoint(100, 0));
