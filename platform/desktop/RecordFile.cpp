@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Desk;
@@ -28,14 +29,18 @@ std::filesystem::path belowRoot(const std::string &name)
     return path;
 }
 
+enum class Missing { Fail, Create };
+
 // Opens the folder of a path below the storage root, step by step, so that no link can lead out of it.
-int openFolder(const std::filesystem::path &path)
+int openFolder(const std::filesystem::path &path, Missing missing)
 {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
     int folder = ::open(BoxPaths::storageRoot, flags);
     for (const auto &part : path.parent_path()) {
         if (folder < 0)
             break;
+        if (missing == Missing::Create)
+            ::mkdirat(folder, part.c_str(), 0755); // if that fails, so does what follows
         const int next = ::openat(folder, part.c_str(), flags | O_NOFOLLOW);
         const int error = errno;
         ::close(folder);
@@ -55,10 +60,15 @@ std::string RecordFile::problemOf(const std::string &name)
     return path.has_filename() ? std::string() : "the file name names a folder";
 }
 
+bool RecordFile::areSame(const std::string &name, const std::string &other)
+{
+    return belowRoot(name) == belowRoot(other);
+}
+
 void RecordFile::remove(const std::string &name)
 {
     const std::filesystem::path path = belowRoot(name);
-    const int folder = openFolder(path);
+    const int folder = openFolder(path, Missing::Fail);
     if (folder < 0 || ::unlinkat(folder, path.filename().c_str(), 0) != 0) {
         if (errno != ENOENT)
             log("cannot remove the recording " + name + ": " + std::strerror(errno));
@@ -79,7 +89,7 @@ std::string RecordFile::create(const std::string &name)
     if (!problem.empty())
         return problem;
     const std::filesystem::path path = belowRoot(name);
-    const int folder = openFolder(path);
+    const int folder = openFolder(path, Missing::Create);
     if (folder < 0)
         return "its folder: " + std::string(std::strerror(errno));
     m_file = ::openat(folder, path.filename().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);

@@ -15,6 +15,9 @@ public:
     /// must lie there.
     static std::string problemOf(const std::string &name);
 
+    /// Whether two names are of one file.
+    static bool areSame(const std::string &name, const std::string &other);
+
     /// Removes a file of this name. No link of the path is followed.
     static void remove(const std::string &name);
 
@@ -23,7 +26,7 @@ public:
     RecordFile &operator=(const RecordFile &) = delete;
     ~RecordFile();
 
-    /// Creates the file. The reason when it cannot be, an empty text when it can.
+    /// Creates the file, and folders for it that are missing. The reason when it cannot be, an empty text when it can.
     std::string create(const std::string &name);
 
     /// The reason when not all of it can be written, otherwise an empty text.

@@ -88,9 +88,14 @@ void RecordScheduler::run()
         lock.lock();
         m_ordered.wait_for(lock, pause, [this] { return m_finishing || !m_orders.empty(); });
     }
+    std::deque<Order> orders;
+    orders.swap(m_orders);
+    lock.unlock(); // recorders that end take it
     // Nobody may wait for an order that nobody runs any more.
-    for (const Order &order : m_orders)
+    for (const Order &order : orders)
         order(store);
+    for (const auto &[id, recorder] : m_recorders)
+        recorder->cancel();
     m_recorders.clear();
     m_cancelled.clear();
 }
@@ -120,6 +125,9 @@ void RecordScheduler::work(RecordStore &store)
 
 void RecordScheduler::begin(RecordStore &store, Record &record)
 {
+    // Known to run before there is a file: after a kill in between it is one that was interrupted.
+    record.state = KVR_RECORD_RUNNING;
+    store.update(record);
     auto file = std::make_unique<RecordFile>();
     const std::string problem = file->create(record.file);
     if (!problem.empty()) {
@@ -127,6 +135,7 @@ void RecordScheduler::begin(RecordStore &store, Record &record)
         change(store, record, KVR_RECORD_FAILED);
         return;
     }
+    takeFileFromOthers(store, record);
     record.ownsFile = true;
     change(store, record, KVR_RECORD_RUNNING);
     log(nameOf(record) + " started");
@@ -135,6 +144,17 @@ void RecordScheduler::begin(RecordStore &store, Record &record)
         m_orders.push_back([](RecordStore &) {});
         m_ordered.notify_one();
     });
+}
+
+// What earlier recordings wrote under the name of a file that is new has been removed.
+void RecordScheduler::takeFileFromOthers(RecordStore &store, const Record &owner)
+{
+    for (auto &[id, record] : m_records) {
+        if (id == owner.id || !record.ownsFile || !RecordFile::areSame(record.file, owner.file))
+            continue;
+        record.ownsFile = false;
+        store.update(record);
+    }
 }
 
 void RecordScheduler::reap(RecordStore &store)

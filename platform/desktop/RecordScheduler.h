@@ -59,6 +59,7 @@ private:
     void load(RecordStore &store);
     void work(RecordStore &store);
     void begin(RecordStore &store, Record &record);
+    void takeFileFromOthers(RecordStore &store, const Record &owner);
     void reap(RecordStore &store);
     void change(RecordStore &store, Record &record, KVR_RecordState state);
     void changed(KVR_ID id) { m_events.send(KVR_BOX, KVR_EVENT_RECORDS, id); }

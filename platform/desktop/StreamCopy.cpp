@@ -4,11 +4,14 @@
 #include "StreamCopy.h"
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
+#include <thread>
 #include <utility>
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/avstring.h>
 }
 
 using namespace Desk;
@@ -17,6 +20,8 @@ namespace {
 
 constexpr std::chrono::seconds patience{12};
 constexpr int bufferSize = 64 * 1024;
+constexpr std::chrono::milliseconds longestNap{100}; // until an order is noticed
+constexpr std::int64_t earlyEnd = 3 * AV_TIME_BASE;  // a duration may be this inexact
 
 // Sources come from the network: a recording must not copy the box's own files.
 constexpr char sourceProtocols[] = "http,https,httpproxy,hls,tls,tcp,udp,rtp,rtsp,rtmp,srt,crypto";
@@ -52,7 +57,6 @@ StreamCopy::StreamCopy(std::string url, RecordFile &file, std::int64_t end)
     : m_url(std::move(url))
     , m_file(file)
     , m_end(end)
-    , m_begin(now())
 {
 }
 
@@ -75,22 +79,30 @@ std::string StreamCopy::run()
     return m_cancelled ? std::string() : problem;
 }
 
+bool StreamCopy::isOver() const
+{
+    return m_cancelled || now() >= m_end;
+}
+
 bool StreamCopy::mustStop() const
 {
-    return m_cancelled || now() >= m_end || Clock::now() > m_deadline;
+    return isOver() || Clock::now() > m_deadline;
 }
 
 std::string StreamCopy::reasonOf(int error) const
 {
     if (!m_writeProblem.empty())
         return "writing: " + m_writeProblem;
-    if (Clock::now() > m_deadline || now() >= m_end)
+    if (error == AVERROR_EXIT || Clock::now() > m_deadline || now() >= m_end)
         return "nothing arrives from " + m_url;
     return m_url + ": " + textOf(error);
 }
 
 std::string StreamCopy::openSource()
 {
+    const char *protocol = avio_find_protocol_name(m_url.c_str());
+    if (protocol && !av_match_name(protocol, sourceProtocols))
+        return m_url + " is no stream of the network, and nothing else is recorded";
     m_deadline = Clock::now() + patience;
     m_source = avformat_alloc_context();
     if (!m_source)
@@ -102,6 +114,8 @@ std::string StreamCopy::openSource()
 
     AVDictionary *options = nullptr;
     av_dict_set(&options, "protocol_whitelist", sourceProtocols, 0);
+    // A channel that changes the PIDs of its streams goes on as the same streams.
+    av_dict_set(&options, "merge_pmt_versions", "1", 0);
     int result = avformat_open_input(&m_source, m_url.c_str(), nullptr, &options);
     av_dict_free(&options);
     if (result >= 0)
@@ -164,16 +178,37 @@ std::string StreamCopy::openFile()
     return result >= 0 ? std::string() : reasonOf(result);
 }
 
-// A source of a known length delivers faster than it plays, so there its own time counts.
-bool StreamCopy::enough(const AVPacket &packet)
+// Whether the source has an end of its own. The size of a playlist is not that of its stream.
+bool StreamCopy::isWhole() const
 {
-    if (m_source->duration <= 0 || packet.dts == AV_NOPTS_VALUE)
-        return false;
-    const std::int64_t time =
-        av_rescale_q(packet.dts, m_source->streams[packet.stream_index]->time_base, AV_TIME_BASE_Q);
-    if (m_firstTime == INT64_MIN)
-        m_firstTime = time;
-    return time - m_firstTime >= (m_end - m_begin) * AV_TIME_BASE;
+    const bool isPlaylist = std::strcmp(m_source->iformat->name, "hls") == 0;
+    return m_source->duration > 0 || (!isPlaylist && m_source->pb && avio_size(m_source->pb) > 0);
+}
+
+// Waits until what has been taken of the source would have been played.
+void StreamCopy::keepPace() const
+{
+    const Clock::time_point due = m_start + std::chrono::microseconds(m_timeline.length());
+    for (auto rest = due - Clock::now(); rest.count() > 0 && !isOver(); rest = due - Clock::now())
+        std::this_thread::sleep_for(std::min<Clock::duration>(rest, longestNap));
+}
+
+// Why the source gives nothing more before its time; an empty text if it was there as a whole and has been taken.
+std::string StreamCopy::problemAtEnd(int result) const
+{
+    // What goes wrong below a demuxer is something else to some of them.
+    const int error = m_source->pb ? m_source->pb->error : 0;
+    const int cause = error < 0 && error != AVERROR_EOF ? error : result;
+    if (cause != AVERROR_EOF && cause != AVERROR(EIO))
+        return reasonOf(cause);
+    if (!m_isWhole)
+        return m_url + " has ended";
+    // A duration that was estimated from the size says little.
+    const bool isExact = m_source->duration_estimation_method != AVFMT_DURATION_FROM_BITRATE;
+    const bool isShort = isExact && m_timeline.length() + earlyEnd < m_source->duration;
+    if (cause != AVERROR_EOF || isShort)
+        return m_url + " breaks off after " + std::to_string(m_timeline.length() / AV_TIME_BASE) + " seconds";
+    return {};
 }
 
 std::string StreamCopy::copy()
@@ -181,43 +216,53 @@ std::string StreamCopy::copy()
     AVPacket *packet = av_packet_alloc();
     if (!packet)
         return "no memory";
+    m_isWhole = isWhole();
+    m_start = Clock::now();
+    m_deadline = m_start + patience;
     std::string problem;
-    bool complete = false;
-    while (problem.empty() && !complete) {
-        m_deadline = Clock::now() + patience;
-        const int result = av_read_frame(m_source, packet);
-        if (m_cancelled || now() >= m_end) {
-            complete = true;
-        } else if (result == AVERROR_EOF && m_source->duration > 0) {
-            complete = true;
-        } else if (result < 0) {
-            problem = result == AVERROR_EOF ? m_url + " has ended" : reasonOf(result);
-        } else if (enough(*packet)) {
-            complete = true;
-        } else {
-            problem = writePacket(*packet);
-        }
+    int result = 0;
+    while (problem.empty() && result >= 0 && !isOver()) {
+        result = av_read_frame(m_source, packet);
+        if (result >= 0)
+            problem = takePacket(*packet);
+        else if (!isOver())
+            problem = problemAtEnd(result);
         av_packet_unref(packet);
     }
     av_packet_free(&packet);
-    const int result = av_write_trailer(m_target);
+    result = av_write_trailer(m_target);
     if (problem.empty() && result < 0)
         problem = reasonOf(result);
+    if (problem.empty() && m_timeline.isEmpty())
+        problem = "nothing arrives from " + m_url;
     return problem;
 }
 
-std::string StreamCopy::writePacket(AVPacket &packet)
+std::string StreamCopy::takePacket(AVPacket &packet)
 {
-    Output &output = m_outputs[static_cast<std::size_t>(packet.stream_index)];
-    if (output.index < 0)
-        return {};
-    const AVRational from = m_source->streams[packet.stream_index]->time_base;
-    av_packet_rescale_ts(&packet, from, m_target->streams[output.index]->time_base);
-    // A file's times only grow, also when the source's begin anew.
+    const auto index = static_cast<std::size_t>(packet.stream_index);
     if (packet.dts == AV_NOPTS_VALUE)
         packet.dts = packet.pts;
-    if (packet.dts == AV_NOPTS_VALUE)
+    // Streams that the source gets later are not in the file's tables.
+    if (index >= m_outputs.size() || m_outputs[index].index < 0 || packet.dts == AV_NOPTS_VALUE)
         return {};
+    const AVRational base = m_source->streams[index]->time_base;
+    const std::int64_t time = av_rescale_q(packet.dts, base, AV_TIME_BASE_Q);
+    const std::int64_t shift = av_rescale_q(m_timeline.take(packet.stream_index, time), AV_TIME_BASE_Q, base);
+    packet.dts += shift;
+    if (packet.pts != AV_NOPTS_VALUE)
+        packet.pts += shift;
+    if (m_isWhole)
+        keepPace();
+    m_deadline = Clock::now() + patience;
+    return isOver() ? std::string() : writePacket(packet, m_outputs[index]);
+}
+
+std::string StreamCopy::writePacket(AVPacket &packet, Output &output)
+{
+    const AVRational from = m_source->streams[packet.stream_index]->time_base;
+    av_packet_rescale_ts(&packet, from, m_target->streams[output.index]->time_base);
+    // A stream's times only grow.
     packet.dts = std::max(packet.dts, output.lastDts == INT64_MIN ? packet.dts : output.lastDts + 1);
     if (packet.pts != AV_NOPTS_VALUE)
         packet.pts = std::max(packet.pts, packet.dts);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "RecordFile.h"
+#include "RecordTimeline.h"
 
 #include <atomic>
 #include <chrono>
@@ -18,8 +19,8 @@ struct AVPacket;
 
 namespace Desk {
 
-/// Copies the streams of a source, as they are, into a transport stream file. All but the two orders happens on one
-/// thread.
+/// Copies the streams of a source, as they are, into a transport stream file. A source that is there as a whole, such
+/// as a file on a server, is taken in as fast as it plays. All but the two orders happens on one thread.
 class StreamCopy
 {
 public:
@@ -47,23 +48,28 @@ private:
     std::string openSource();
     std::string openFile();
     std::string copy();
-    std::string writePacket(AVPacket &packet);
+    std::string takePacket(AVPacket &packet);
+    std::string writePacket(AVPacket &packet, Output &output);
+    void keepPace() const;
+    std::string problemAtEnd(int result) const;
     bool takesStream(unsigned index) const;
-    bool enough(const AVPacket &packet);
+    bool isWhole() const;
     std::string reasonOf(int error) const;
+    bool isOver() const;
     bool mustStop() const;
 
     const std::string m_url;
     RecordFile &m_file;
     std::atomic<std::int64_t> m_end;
     std::atomic<bool> m_cancelled{false};
-    const std::int64_t m_begin;
     Clock::time_point m_deadline; // for the next sign of life of the source
+    Clock::time_point m_start;    // of the copying
     AVFormatContext *m_source = nullptr;
     AVFormatContext *m_target = nullptr;
     AVIOContext *m_io = nullptr;
-    std::vector<Output> m_outputs;        // for each stream of the source
-    std::int64_t m_firstTime = INT64_MIN; // of the first packet, in microseconds
+    std::vector<Output> m_outputs; // for each stream that the source had when it was opened
+    RecordTimeline m_timeline;
+    bool m_isWhole = false; // the source, when it was opened
     std::string m_writeProblem;
 };
 

@@ -1,0 +1,12 @@
+# Copyright The Kavro STB browser authors
+# SPDX-License-Identifier: Apache-2.0
+
+add_library(kavro_recorded_file STATIC RecordedFile.cpp)
+target_include_directories(kavro_recorded_file PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(kavro_recorded_file PUBLIC Qt5::Core PRIVATE kavro_warnings PkgConfig::AV)
+
+foreach(name deskrecordings deskrecordingsfailures deskrecordingsrestart deskrecordingssources)
+    kavro_add_test(${name} tst_${name}.cpp
+        LIBRARIES kavro_desktop_test_support kavro_launcher kavro_recorded_file
+        PLATFORM stbapi_desktop)
+endforeach()

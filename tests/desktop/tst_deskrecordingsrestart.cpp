@@ -1,0 +1,282 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RecordedFile.h"
+#include "TestMedia.h"
+
+#include "launcher/PageServer.h"
+
+#include "platform/stbapi.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+namespace {
+
+constexpr char web[] = "/mnt/stb/web";
+constexpr char bars[] = "/mnt/stb/web/bars.ts";
+constexpr char schedule[] = "/home/user/config/records.sqlite";
+constexpr char listRecords[] = "list";
+constexpr char addRecord[] = "add";
+constexpr char editRecords[] = "edit";
+
+uint32_t now()
+{
+    return static_cast<uint32_t>(std::time(nullptr));
+}
+
+QByteArray list()
+{
+    KVR_Record *records = nullptr;
+    int count = 0;
+    if (KVR_GetRecordsList(&records, &count) != KVR_OK)
+        return "failed\n";
+    QByteArray text;
+    for (int i = 0; i < count; ++i) {
+        const KVR_Record &record = records[i];
+        for (const QByteArray &column :
+             {QByteArray::number(record.id), QByteArray(record.addr), QByteArray(record.file),
+              QByteArray::number(record.start), QByteArray::number(record.duration), QByteArray::number(record.state)})
+            text += column + ' ';
+        text += '\n';
+    }
+    free(records);
+    return text;
+}
+
+void tell(const QByteArray &text)
+{
+    std::fputs(text.constData(), stdout);
+    std::fflush(stdout);
+}
+
+// Tells the list of recordings each second until it is killed.
+int tellForever(const QByteArray &first)
+{
+    tell(first);
+    for (;;)
+        QTest::qSleep(1000);
+}
+
+int edit()
+{
+    const uint32_t later = now() + 100000;
+    const KVR_ID first = KVR_AddRecord("udp://239.1.1.1:5000", "films/фильм.ts", later, 60);
+    const KVR_ID second = KVR_AddRecord("http://example.invalid/a?b=c&d='e'", "second.ts", 4294967295U, 2147483647);
+    const KVR_ID third = KVR_AddRecord("udp://239.1.1.3:5000", "third.ts", later, 60);
+    KVR_SetRecordStartTime(first, later + 1);
+    KVR_SetRecordDuration(first, 61);
+    KVR_SetRecordFilename(second, "renamed.ts");
+    KVR_SetRecordUrl(second, "udp://239.1.1.2:5000");
+    KVR_DeleteRecord(third);
+    return tellForever(list());
+}
+
+// The desk box in a process of its own.
+class Box
+{
+public:
+    explicit Box(const QStringList &arguments) { m_process.start(QCoreApplication::applicationFilePath(), arguments); }
+
+    QByteArray firstWords()
+    {
+        if (!m_process.waitForReadyRead())
+            qWarning() << m_process.arguments() << m_process.errorString() << log();
+        return m_process.readAllStandardOutput();
+    }
+
+    QByteArray allWords()
+    {
+        if (!m_process.waitForFinished() || m_process.exitStatus() != QProcess::NormalExit)
+            qWarning() << m_process.arguments() << m_process.errorString() << log();
+        return m_process.readAllStandardOutput();
+    }
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    QByteArray log() { return m_process.readAllStandardError(); }
+
+private:
+    QProcess m_process;
+};
+
+} // namespace
+
+/// Recordings of the desk box over its restarts. Each box is a process of its own.
+class TestDeskRecordingsRestart : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void theScheduleSurvivesAKill();
+    void whatWasRecordedBeforeAKillPlays();
+    void aRecordingIsInterruptedWhenTheBoxIsLeft();
+    void aBoxThatIsBackInTimeRecordsTheRest();
+    void aRecordingThatTheBoxSleptThroughHasFailed();
+    void aScheduleThatCannotBeReadSaysSo_data();
+    void aScheduleThatCannotBeReadSaysSo();
+
+private:
+    PageServer m_server;
+};
+
+void TestDeskRecordingsRestart::initTestCase()
+{
+    QVERIFY(QDir().mkpath(web));
+    QVERIFY(TestMedia::makeBars(bars, 10));
+    QVERIFY(m_server.start(web, 0));
+}
+
+void TestDeskRecordingsRestart::init()
+{
+    for (const char *suffix : {"", "-wal", "-shm"})
+        QFile::remove(QString(schedule) + suffix);
+}
+
+void TestDeskRecordingsRestart::theScheduleSurvivesAKill()
+{
+    Box first({editRecords});
+    const QByteArray before = first.firstWords();
+    QCOMPARE(before.count('\n'), 2);
+    QVERIFY(before.contains(" udp://239.1.1.1:5000 films/фильм.ts "));
+    QVERIFY(before.contains(" udp://239.1.1.2:5000 renamed.ts 4294967295 2147483647 0 \n"));
+    first.kill();
+    QCOMPARE(Box({listRecords}).allWords(), before);
+
+    // The identifier of what was deleted does not come back.
+    const QByteArray url = "udp://239.1.1.4:5000";
+    Box second({addRecord, url, "fourth.ts", QString::number(now() + 100000), "60"});
+    QVERIFY(second.firstWords().contains("\n4 udp://239.1.1.4:5000 "));
+    second.kill();
+}
+
+void TestDeskRecordingsRestart::whatWasRecordedBeforeAKillPlays()
+{
+    Box box({addRecord, m_server.address("bars.ts").toEncoded(), "killed.ts", "0", "60"});
+    QVERIFY(!box.firstWords().isEmpty());
+    QTRY_VERIFY(QFile("/mnt/stb/killed.ts").size() > 300000);
+    box.kill();
+
+    const RecordedFile file("/mnt/stb/killed.ts");
+    QCOMPARE(file.pids, QList<int>({TestMedia::videoPid, TestMedia::russianPid, TestMedia::englishPid}));
+    QVERIFY2(file.pictures > 20, qPrintable(QString::number(file.pictures)));
+    QProcess decoder;
+    decoder.start("ffprobe",
+                  {"-v", "error", "-select_streams", "v", "-count_frames", "-show_entries", "stream=nb_read_frames",
+                   "-of", "csv=p=0", "/mnt/stb/killed.ts"});
+    QVERIFY(decoder.waitForFinished());
+    QVERIFY(decoder.readAllStandardOutput().trimmed().split('\n').first().toInt() >= file.pictures - 2);
+
+    const KVR_ID player = KVR_CreatePlayer();
+    KVR_PlayFile(player, "/mnt/stb/killed.ts", 0, 0, 0, "", -1, -1, -1);
+    QTRY_COMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_PLAYING));
+    QTRY_COMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_ENDED));
+    KVR_ClosePlayer(player);
+
+    Box next({listRecords});
+    QVERIFY(next.allWords().endsWith(" killed.ts 0 60 4 \n"));
+    QVERIFY(next.log().contains("into killed.ts was interrupted: the box went off"));
+}
+
+void TestDeskRecordingsRestart::aRecordingIsInterruptedWhenTheBoxIsLeft()
+{
+    Box box({addRecord, m_server.address("bars.ts").toEncoded(), "left.ts", "0", "60", "leave"});
+    QVERIFY(!box.allWords().isEmpty());
+    QVERIFY(RecordedFile("/mnt/stb/left.ts").pictures > 5);
+    QVERIFY(Box({listRecords}).allWords().endsWith(" left.ts 0 60 4 \n"));
+}
+
+void TestDeskRecordingsRestart::aBoxThatIsBackInTimeRecordsTheRest()
+{
+    const uint32_t start = now() + 2;
+    Box first({addRecord, m_server.address("bars.ts").toEncoded(), "rest.ts", QString::number(start), "5"});
+    QVERIFY(first.firstWords().endsWith(" 5 0 \n"));
+    first.kill();
+    QTRY_VERIFY(now() >= start + 2);
+    QVERIFY(!QFile::exists("/mnt/stb/rest.ts"));
+    Box second({addRecord, "udp://127.0.0.1:45456", "other.ts", QString::number(start + 100000), "1"});
+    QTRY_VERIFY(now() > start + 5);
+    second.kill();
+    const QByteArray expected = " rest.ts " + QByteArray::number(start) + " 5 2 \n";
+    const QByteArray words = Box({listRecords}).allWords();
+    QVERIFY2(words.contains(expected), words);
+    const RecordedFile file("/mnt/stb/rest.ts");
+    QVERIFY2(file.seconds > 0.5 && file.seconds < 3.5, qPrintable(QString::number(file.seconds)));
+}
+
+void TestDeskRecordingsRestart::aRecordingThatTheBoxSleptThroughHasFailed()
+{
+    const uint32_t start = now() + 2;
+    Box first({addRecord, m_server.address("bars.ts").toEncoded(), "slept.ts", QString::number(start), "1"});
+    QVERIFY(!first.firstWords().isEmpty());
+    first.kill();
+    QTRY_VERIFY(now() >= start + 1);
+    Box second({listRecords});
+    const QByteArray words = second.allWords();
+    QVERIFY2(words.endsWith(" 1 3 \n"), words);
+    QVERIFY(second.log().contains("into slept.ts failed: the box was off at its time"));
+    QVERIFY(!QFile::exists("/mnt/stb/slept.ts"));
+}
+
+void TestDeskRecordingsRestart::aScheduleThatCannotBeReadSaysSo_data()
+{
+    QTest::addColumn<bool>("isFolder");
+    QTest::newRow("a file of another kind") << false;
+    QTest::newRow("a folder") << true;
+}
+
+void TestDeskRecordingsRestart::aScheduleThatCannotBeReadSaysSo()
+{
+    QFETCH(bool, isFolder);
+    if (isFolder) {
+        QVERIFY(QDir().mkpath(schedule));
+    } else {
+        QFile file(schedule);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.write(QByteArray("no schedule\n").repeated(1000)) > 0);
+    }
+    Box box({addRecord, "udp://127.0.0.1:45456", "new.ts", QString::number(now() + 1000), "1", "leave"});
+    QCOMPARE(box.allWords(), QByteArray());
+    const QByteArray log = box.log();
+    QVERIFY2(log.contains("recording schedule /home/user/config/records.sqlite: "), log);
+    if (isFolder)
+        QVERIFY(QDir().rmdir(schedule));
+}
+
+int main(int argc, char *argv[])
+{
+    const QByteArray role = argc > 1 ? argv[1] : "";
+    if (role == listRecords) {
+        tell(list());
+        return 0;
+    }
+    if (role == editRecords)
+        return edit();
+    if (role == addRecord && argc >= 6) {
+        const KVR_ID id = KVR_AddRecord(argv[2], argv[3], static_cast<uint32_t>(std::strtoul(argv[4], nullptr, 10)),
+                                        std::atoi(argv[5]));
+        if (argc == 6)
+            return tellForever(list());
+        tell(list());
+        QTest::qSleep(1500);
+        return id < 0;
+    }
+    QCoreApplication application(argc, argv);
+    TestDeskRecordingsRestart test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_deskrecordingsrestart.moc"
