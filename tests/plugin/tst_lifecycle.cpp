@@ -86,6 +86,7 @@ private slots:
     void cleanup();
 
     void itStartsAfterTheLaunchersCallHasReturned();
+    void aSecondStartChangesNothing();
     void thePlatformIsSetUpBeforeTheBrowser();
     void theLogTellsTheDisplayMode_data();
     void theLogTellsTheDisplayMode();
@@ -93,6 +94,7 @@ private slots:
     void thePagesSizeIsThatOfTheManifest();
     void onlyModelsWithThatNameAreTranslucent_data();
     void onlyModelsWithThatNameAreTranslucent();
+    void aModelThatIsNotKnownIsNotTranslucent();
     void videoShowsThroughThePage();
     void theBrowserHasTheFocus();
     void theInspectorWaitsUnseen();
@@ -142,6 +144,20 @@ void TestLifecycle::itStartsAfterTheLaunchersCallHasReturned()
 
     QTRY_VERIFY(plugin.browser());
     QVERIFY(time.elapsed() >= 9); // a timer of 10 ms may be early by a part of one
+}
+
+void TestLifecycle::aSecondStartChangesNothing()
+{
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QWebView *const browser = plugin.browser();
+    RecordingPlatform::takeCalls();
+
+    plugin.application()->setFullPath(HostedPlugin::pluginDirectory());
+    QTest::qWait(100); // the start would come within 10 ms
+    QCOMPARE(RecordingPlatform::takeCalls(), QByteArrayList());
+    QCOMPARE(plugin.browser(), browser);
+    QCOMPARE(plugin.application()->findChildren<QWebView *>().size(), 1);
 }
 
 void TestLifecycle::thePlatformIsSetUpBeforeTheBrowser()
@@ -251,6 +267,15 @@ void TestLifecycle::onlyModelsWithThatNameAreTranslucent()
     QVERIFY(plugin.start());
 
     QCOMPARE(plugin.application()->testAttribute(Qt::WA_TranslucentBackground), translucent);
+}
+
+void TestLifecycle::aModelThatIsNotKnownIsNotTranslucent()
+{
+    RecordingPlatform::answer("KVR_GetDeviceModel", -1);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+
+    QVERIFY(!plugin.application()->testAttribute(Qt::WA_TranslucentBackground));
 }
 
 void TestLifecycle::videoShowsThroughThePage()

@@ -73,6 +73,17 @@ public:
     }
 };
 
+// A plugin of the launcher's that says no more than it must.
+class PlainPlugin : public StbInterface
+{
+public:
+    int type() override { return 1; }
+    QString relativePath() const override { return QString(); }
+    QString pluginVersion() const override { return QString(); }
+    QString vcsVersion() const override { return QString(); }
+    QString compilationTime() const override { return QString(); }
+};
+
 } // namespace
 
 // What the launcher asks the plugin's object, and the meta-objects that are part of its interface.
@@ -84,6 +95,7 @@ private slots:
     void init();
 
     void theInterfacesKeepTheirOrder();
+    void theInterfaceHasAnswersOfItsOwn();
     void itAnswersToItsClassAndItsInterface_data();
     void itAnswersToItsClassAndItsInterface();
     void theMetaObjectsAreAsDocumented_data();
@@ -128,6 +140,14 @@ void TestPluginObject::theInterfacesKeepTheirOrder()
     // The widget is the first base.
     HostedPlugin host;
     QCOMPARE(static_cast<void *>(static_cast<QWidget *>(host.application())), static_cast<void *>(host.application()));
+}
+
+void TestPluginObject::theInterfaceHasAnswersOfItsOwn()
+{
+    PlainPlugin plugin;
+    plugin.setFullPath("/"); // starts nothing
+    QVERIFY(!plugin.supportsSD());
+    QVERIFY(plugin.needPassword());
 }
 
 void TestPluginObject::itAnswersToItsClassAndItsInterface_data()
