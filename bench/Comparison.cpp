@@ -69,6 +69,13 @@ void Comparison::addRow(Table *table, const QString &program, std::optional<Limi
         isKept);
 }
 
+void Comparison::addFigures(Table *table, const Quantity &quantity, const QVector<double> &plugin)
+{
+    table->addRow({quantity.name, "", QString::number(plugin.size()),
+                   quartilesText(plugin, quantity.decimals) + ' ' + quantity.unit, "", "", "", ""},
+                  {{"unit", quantity.unit}, {"plugin", json(plugin)}});
+}
+
 QVector<double> Comparison::perRound(const QString &program, std::optional<Limit> limit) const
 {
     const bool isDifference = limit && limit->kind == Limit::DifferenceAtMost;

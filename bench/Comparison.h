@@ -42,6 +42,9 @@ public:
     /// A row of the plugin beside one of the others.
     void addRow(Table *table, const QString &program, std::optional<Limit> limit = {}) const;
 
+    /// A row of the plugin alone.
+    static void addFigures(Table *table, const Quantity &quantity, const QVector<double> &plugin);
+
 private:
     QVector<double> perRound(const QString &program, std::optional<Limit> limit) const;
     QString text(const QVector<double> &values) const;

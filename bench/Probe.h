@@ -15,10 +15,12 @@ class Probe : public QObject
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Waits for the page, on another thread than the page's. When the page's report came.
+    /// Waits for the page, on another thread than the page's. When the page's report came. Ends the program with a
+    /// message if none comes.
     Clock::time_point wait()
     {
-        m_arrived.acquire();
+        if (!m_arrived.tryAcquire(1, longestWait))
+            qFatal("The page hears of no event");
         return m_time;
     }
 
@@ -30,6 +32,8 @@ public slots:
     }
 
 private:
+    static constexpr int longestWait = 60000; // ms
+
     QSemaphore m_arrived;
     Clock::time_point m_time;
 };

@@ -193,7 +193,7 @@ Values memoryOfLives(const Setting &setting, const Work &work)
     });
 }
 
-// Each player shows the file, and is closed when its first event says so.
+// Each player plays the box's file /clip.ts, and is closed when the size of the picture is known.
 Values memoryOfPlayers(const Setting &setting, const Work &work)
 {
     const auto subject = opened(setting, work.page);
@@ -202,11 +202,11 @@ Values memoryOfPlayers(const Setting &setting, const Work &work)
     evaluate(*subject,
              "var id = -1;"
              "StbMedia.SetEventCallback(function (player, code) {"
-             "    if (player === id && code === 3) probe.arrived();"
+             "    if (player === id && code === 5) probe.arrived();"
              "});");
     return memoryAfter(setting, work.rounds, [&] {
         for (int i = 0; i < work.count; ++i) {
-            evaluate(*subject, "id = StbMedia.CreatePlayer(); StbMedia.PlayFile(id, '/mnt/stb/clip.ts', 0, 0, 0, '')");
+            evaluate(*subject, "id = StbMedia.CreatePlayer(); StbMedia.PlayFile(id, '/clip.ts', 0, 0, 0, '')");
             besideThePage([&] { probe.wait(); });
             evaluate(*subject, "StbMedia.ClosePlayer(id); id = -1");
         }
