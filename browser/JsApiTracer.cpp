@@ -5,6 +5,7 @@
 
 #include <QDate>
 #include <QDebug>
+#include <QIODevice>
 #include <QTime>
 
 int JsApiTracer::debug_level = -1;
@@ -15,4 +16,19 @@ void JsApiTracer::TRACE(const QString &text)
         return;
     qDebug() << "[" << QDate::currentDate().toString(Qt::TextDate) << QTime::currentTime().toString(Qt::TextDate) << "]"
              << text;
+}
+
+void JsApiTracer::readLevel(QIODevice &file)
+{
+    QByteArray line = file.readLine();
+    if (line.endsWith('\n'))
+        line.chop(1);
+    bool ok;
+    const int number = line.toInt(&ok);
+    if (!ok) {
+        qDebug() << "ERROR! Wrong debug level: " << QString::fromLocal8Bit(line);
+        return;
+    }
+    qDebug() << "Set level to " << number;
+    debug_level = number;
 }

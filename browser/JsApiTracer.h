@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVariant>
 
+class QIODevice;
+
 /// Writes the trace of script calls, while a technician has switched it on.
 class JsApiTracer
 {
@@ -17,6 +19,9 @@ public:
 
     /// Writes one trace line if tracing is on.
     static void TRACE(const QString &text);
+
+    /// Takes the level from the first line of the level file, which is open. What is no number changes nothing.
+    static void readLevel(QIODevice &file);
 
     /// What the level file says; -1 without one.
     static int debug_level;

@@ -40,6 +40,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 #include <netinet/in.h>
 #include <resolv.h>
@@ -64,6 +65,18 @@ QTimer *createTimer(QObject *receiver, int interval, const char *slot)
     QtCompat::makePrecise(*timer);
     QObject::connect(timer, SIGNAL(timeout()), receiver, slot);
     return timer;
+}
+
+// What pages have connected to an object's signals. The engine makes each such connection a child of the object, whose
+// only child otherwise is its log file.
+void dropScriptConnections(QObject *object)
+{
+    const QObjectList &children = object->children();
+    for (QObject *child : children) {
+        // Later, because a page can be replaced from within a signal.
+        if (!qobject_cast<QFile *>(child))
+            QMetaObject::invokeMethod(child, "deleteLater");
+    }
 }
 
 } // namespace
@@ -135,8 +148,10 @@ void KavroStbBrowser::createScriptObjects()
 
     QObject *const objects[] = {media, display, pvr, deprecatedMedia, deprecatedDisplay};
     DeleteGuard *guard = new DeleteGuard(this);
-    for (QObject *object : objects)
+    for (QObject *object : objects) {
+        scriptObjects.append(object);
         object->installEventFilter(guard);
+    }
 }
 
 void KavroStbBrowser::createPage()
@@ -300,17 +315,7 @@ void KavroStbBrowser::checkDebugFile()
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return;
-    QByteArray line = file.readLine();
-    if (line.endsWith('\n'))
-        line.chop(1);
-    bool ok;
-    const int number = line.toInt(&ok);
-    if (!ok) {
-        qDebug() << "ERROR! Wrong debug level: " << QString::fromLocal8Bit(line);
-        return;
-    }
-    qDebug() << "Set level to " << number;
-    level = number;
+    JsApiTracer::readLevel(file);
 }
 
 void KavroStbBrowser::populateJavaScriptWindowObject()
@@ -318,6 +323,9 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
     QWebFrame *frame = page()->mainFrame();
     if (pageEvents)
         pageEvents->deleteLater(); // a page can be replaced from within an event
+    // They would keep the page before from being freed, and call it.
+    for (QObject *object : std::as_const(scriptObjects))
+        dropScriptConnections(object);
     pageEvents = new PageEvents(frame, QLatin1String(mediaName), this);
     frame->addToJavaScriptWindowObject(QLatin1String(mediaName), media);
     frame->addToJavaScriptWindowObject(QLatin1String("StbDisplay"), display);
@@ -343,8 +351,9 @@ void KavroStbBrowser::evaluateEvent(int argument, int code)
 
     if (pageEvents)
         pageEvents->deliver(argument, code);
+    // The engine converts the value of a script, which must not be one that crashes it.
     if (!jsCallbackCode.isEmpty())
-        page()->mainFrame()->evaluateJavaScript(jsCallbackCode);
+        page()->mainFrame()->evaluateJavaScript(jsCallbackCode + QLatin1String("\n;0"));
 }
 
 void KavroStbBrowser::changeKeyDelay(int ms)

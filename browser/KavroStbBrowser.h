@@ -78,8 +78,9 @@ private:
     RecordTimes *recordTimes;
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
-    PageEvents *pageEvents; ///< of the current page; null before the first
-    QString jsCallbackCode; ///< script to run after each platform event
+    QObjectList scriptObjects; ///< the five objects
+    PageEvents *pageEvents;    ///< of the current page; null before the first
+    QString jsCallbackCode;    ///< script to run after each platform event
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress
     QUrl errorPageUrl;

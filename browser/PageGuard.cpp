@@ -22,12 +22,15 @@ const char script[] = R"js(
     var isArray = Array.isArray;
     var arrayFrom = Array.from;
     var define = Object.defineProperty;
+    var create = Object.create;
     var DateObject = Date;
+    var RangeErrorObject = RangeError;
+    var longestList = 100000;
 
     // A page can have an object pose as one of another class. A reader of the wrong class throws, and what it poses as
     // is never passed on itself. Trying all readers would do as well, but the engine's compiler loses exceptions that a
     // function catches.
-    var readers = Object.create(null);
+    var readers = create(null);
     readers['[object String]'] = call.bind(String.prototype.valueOf);
     readers['[object Number]'] = call.bind(Number.prototype.valueOf);
     readers['[object Boolean]'] = call.bind(Boolean.prototype.valueOf);
@@ -66,8 +69,16 @@ const char script[] = R"js(
         return type === 'string' || type === 'boolean' || type === 'number' ? simple : 0;
     }
 
+    // An array can claim four billion entries that it does not have, and the engine would make them all. Entries are
+    // taken by their indexes: going through them would be the page's to define.
     function numbers(value) {
-        return isArray(value) ? arrayFrom(value, number) : number(value);
+        if (!isArray(value))
+            return number(value);
+        if (value.length > longestList)
+            throw new RangeErrorObject('The list has more than ' + longestList + ' entries');
+        var places = create(null);
+        places.length = value.length;
+        return arrayFrom(places, function (nothing, index) { return number(value[index]); });
     }
 
     // In place of StbPVR.GetRecordsList.

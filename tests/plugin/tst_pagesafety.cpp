@@ -88,6 +88,11 @@ private slots:
     void datesWithoutATimeAreNoTime();
     void ordersAreListsOfNumbers_data();
     void ordersAreListsOfNumbers();
+    void listsThatAreTooLongAreRefused();
+    void listsThatGrowAreTakenAsTheyWere();
+    void eventHandlersMayHaveAnyValue_data();
+    void eventHandlersMayHaveAnyValue();
+    void signalsDoNotReachPagesThatAreGone();
     void guardsWorkOnInALoop_data();
     void guardsWorkOnInALoop();
     void changedPrototypesChangeNothing_data();
@@ -234,6 +239,57 @@ void TestPageSafety::ordersAreListsOfNumbers()
     QFETCH(const QString, list);
     QFETCH(const QByteArray, order);
     QCOMPARE(m_session->run("StbDisplay.SetOrder(" + list + ")").calls, "KVR_SetOrder(" + order + ")");
+}
+
+void TestPageSafety::listsThatAreTooLongAreRefused()
+{
+    const ScriptSession::Outcome outcome = m_session->run("StbDisplay.SetOrder(new Array(4294967295))");
+    QCOMPARE(outcome.result, QString("throws RangeError: The list has more than 100000 entries"));
+    QCOMPARE(outcome.calls, QByteArray());
+    QVERIFY(m_session->run("StbDisplay.SetOrder(new Array(100000))").calls.endsWith(", 0}, 100000)"));
+}
+
+void TestPageSafety::listsThatGrowAreTakenAsTheyWere()
+{
+    QCOMPARE(m_session
+                 ->run("var list = [0, 2]; Object.defineProperty(list, 0, {get: function () { list.length = 4294967295;"
+                       "return 1; }}); StbDisplay.SetOrder(list)")
+                 .calls,
+             QByteArray("KVR_SetOrder({1, 2}, 2)"));
+}
+
+void TestPageSafety::eventHandlersMayHaveAnyValue_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::newRow("invalid date") << "new Date(NaN)";
+    QTest::newRow("invalid date deep inside") << "[{a: new Date(NaN)}]";
+    QTest::newRow("deep array") << "nested(100000, 0, function (value) { return [value]; })";
+    QTest::newRow("object that grows") << "(function grow() { return {get more() { return grow(); }}; })()";
+    QTest::newRow("invalid date before a comment") << "new Date(NaN) // comment";
+}
+
+void TestPageSafety::eventHandlersMayHaveAnyValue()
+{
+    QFETCH(const QString, value);
+    m_session->run("var events = 0; StbMedia.CreatePlayer();"
+                   "StbMedia.onEvent = "
+                   + ScriptSession::quoted("++events; " + value));
+    for (int i = 1; i <= 2; ++i) {
+        RecordingPlatform::fire(1, KVR_EVENT_STATE);
+        RecordingPlatform::waitUntilFired();
+        QCoreApplication::processEvents();
+        QCOMPARE(result("events"), QString::number(i));
+    }
+    result("StbMedia.onEvent = ''");
+}
+
+void TestPageSafety::signalsDoNotReachPagesThatAreGone()
+{
+    m_session->run("StbDisplay.keyDelayChanged.connect(function () { StbMedia.Pause(77); })");
+    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray("KVR_Pause(77)"));
+    QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray());
 }
 
 void TestPageSafety::guardsWorkOnInALoop_data()
