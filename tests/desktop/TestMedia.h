@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QColor>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -20,6 +21,12 @@ bool ffmpeg(const QStringList &arguments);
 
 /// Bars with a counter and two languages of sound, as a transport stream, of this many seconds.
 bool makeBars(const QString &file, int seconds, const QString &size = "640x360");
+
+/// The PIDs of those bars' streams.
+inline QList<int> barsPids()
+{
+    return {videoPid, russianPid, englishPid};
+}
 
 /// A picture of one colour, of this size, and a tone.
 bool makeColor(const QString &file, const QColor &color, const QString &size, int seconds);

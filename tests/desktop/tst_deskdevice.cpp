@@ -160,7 +160,7 @@ void TestDeskDevice::aKillLeavesTheOldOrTheNewParameters()
         writer.start(QCoreApplication::applicationFilePath(), {storeForever});
         QVERIFY(writer.waitForStarted());
         const QByteArray before = contentOf(bootParameters);
-        QTRY_VERIFY(contentOf(bootParameters) != before);
+        QTRY_VERIFY_WITH_TIMEOUT(contentOf(bootParameters) != before, 20000);
         QTest::qWait(i); // at another point of its work each time
         writer.kill();
         QVERIFY(writer.waitForFinished());

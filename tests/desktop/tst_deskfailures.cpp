@@ -23,7 +23,14 @@ namespace {
 
 constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr int longestFailure = 15000; // milliseconds from the request to the error state
-constexpr double longestCall = 20;    // milliseconds, for 99 of 100 calls
+constexpr int grace = 10000;          // milliseconds more, because the test keeps the players busy
+#ifdef __SANITIZE_ADDRESS__
+constexpr int slowness = 10; // an instrumented program is slow, and keeps for a while what it has freed
+#else
+constexpr int slowness = 1;
+#endif
+constexpr double longestCall = 20 * slowness;   // milliseconds, for 99 of 100 calls
+constexpr int largestGrowth = 30000 * slowness; // KiB
 
 constexpr char nobodysMagnet[] = "magnet:?xt=urn:btih:0123456789abcdef0123456789abcdef01234567";
 
@@ -251,8 +258,7 @@ void TestDeskFailures::aSourceThatFailsIsAnErrorInTime()
     QFETCH(int, index);
     const Attempt &attempt = m_attempts[std::size_t(index)];
     m_done = attempt.id;
-    // What was tried while it stalled may have kept it busy a little longer.
-    const qint64 rest = longestFailure + 5000 - m_sinceStart.elapsed();
+    const qint64 rest = longestFailure + grace - m_sinceStart.elapsed();
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(attempt.id), int(KVR_PLAYER_ERROR), int(std::max(rest, qint64(1))));
     const QString start = QString("player %1: cannot play").arg(attempt.id);
     QString told;
@@ -306,7 +312,7 @@ void TestDeskFailures::closingReturnsAtOnceAndLeavesNothing()
     QTRY_VERIFY_WITH_TIMEOUT(entriesOf("/proc/self/task") <= m_tasks, 10000);
     QTRY_VERIFY_WITH_TIMEOUT(entriesOf("/proc/self/fd") <= files, 10000);
     const int growth = residentMemory() - memory;
-    QVERIFY2(growth < 30 * 1024, qPrintable(QString("%1 KiB").arg(growth)));
+    QVERIFY2(growth < largestGrowth, qPrintable(QString("%1 KiB").arg(growth)));
     QVERIFY(!QDir("/home/user/torrents").exists() || entriesOf("/home/user/torrents") == 0);
 }
 

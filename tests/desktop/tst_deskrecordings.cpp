@@ -34,8 +34,6 @@ constexpr int patience = 20000; // milliseconds, for a recording of some seconds
 constexpr char recordOnFullDisk[] = "record-on-full-disk";
 constexpr int diskSize = 300000;
 
-const QList<int> barsPids = {TestMedia::videoPid, TestMedia::russianPid, TestMedia::englishPid};
-
 uint32_t now()
 {
     return static_cast<uint32_t>(std::time(nullptr));
@@ -168,7 +166,7 @@ void TestDeskRecordings::aRecordingRunsAtItsTime()
 
     const RecordedFile file("/mnt/stb/evening.ts");
     QCOMPARE(file.format, QString("mpegts"));
-    QCOMPARE(file.pids, barsPids);
+    QCOMPARE(file.pids, TestMedia::barsPids());
     // It begins with what arrives first, and that may be in the middle of a second.
     QVERIFY2(file.seconds > 1.2 && file.seconds < 4, qPrintable(QString::number(file.seconds)));
 }
@@ -179,7 +177,7 @@ void TestDeskRecordings::aRecordingWhoseTimeHasBegunStartsAtOnce()
     const KVR_ID id = KVR_AddRecord(channel.address, "/mnt/stb/films/of/today.ts", now() - 3600, 2);
     QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_RUNNING));
     QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_DONE));
-    QCOMPARE(RecordedFile("/mnt/stb/films/of/today.ts").pids, barsPids);
+    QCOMPARE(RecordedFile("/mnt/stb/films/of/today.ts").pids, TestMedia::barsPids());
 }
 
 void TestDeskRecordings::recordingsRunSideBySide()

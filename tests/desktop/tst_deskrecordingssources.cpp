@@ -24,8 +24,6 @@ constexpr char bars[] = "/mnt/stb/web/bars.ts";
 constexpr int barsSeconds = 5;
 constexpr int patience = 30000; // milliseconds, for a recording of some seconds
 
-const QList<int> barsPids = {TestMedia::videoPid, TestMedia::russianPid, TestMedia::englishPid};
-
 struct Recording
 {
     const char *name;
@@ -157,14 +155,14 @@ void TestDeskRecordingsSources::aServersFileIsRecordedAsItPlays()
     const double took = double(lengthOf(id)) / 1000;
     QVERIFY2(took > expected - 1.5, qPrintable(QString::number(took)));
     if (QByteArray(recordings[index].file).endsWith(".ts"))
-        QCOMPARE(file.pids, barsPids);
+        QCOMPARE(file.pids, TestMedia::barsPids());
 }
 
 void TestDeskRecordingsSources::aStreamThatStartsAgainGoesOn()
 {
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(m_liveRecording), int(KVR_RECORD_DONE), patience);
     const RecordedFile file("/mnt/stb/live.ts");
-    QCOMPARE(file.pids, barsPids);
+    QCOMPARE(file.pids, TestMedia::barsPids());
     QVERIFY2(file.seconds > 5, qPrintable(QString::number(file.seconds)));
     // As many pictures as that time has, so both parts have kept their own times.
     const double rate = file.pictures / file.seconds;
@@ -175,7 +173,7 @@ void TestDeskRecordingsSources::aSourceWhosePidsChangeGoesOn()
 {
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(m_changing), int(KVR_RECORD_DONE), patience);
     const RecordedFile file("/mnt/stb/both.ts");
-    QCOMPARE(file.pids, barsPids);
+    QCOMPARE(file.pids, TestMedia::barsPids());
     QVERIFY2(file.pictures > (barsSeconds + 1) * 25, qPrintable(QString::number(file.pictures)));
 }
 
