@@ -70,7 +70,9 @@ double processorTime(qint64 process)
 void waitFor(int seconds)
 {
     QEventLoop loop;
-    QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(seconds * 1000);
     loop.exec();
 }
 
