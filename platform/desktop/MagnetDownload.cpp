@@ -154,7 +154,7 @@ void MagnetDownload::handle(lt::alert *alert)
             fail(added->error.message());
     } else if (const auto *update = lt::alert_cast<lt::state_update_alert>(alert)) {
         for (const lt::torrent_status &status : update->status)
-            m_received = status.total_download;
+            m_received = status.total_payload_download; // peers that only talk are no help
     } else if (const auto *piece = lt::alert_cast<lt::read_piece_alert>(alert)) {
         if (piece->error == boost::system::errc::operation_canceled)
             return; // by a request of another

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ struct PlayRequest
     enum Kind { File, Stream, Http, Rtsp, Magnet };
 
     Kind kind = File;
+    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now(); ///< when it was asked
     std::string address;              ///< path, URL or magnet link
     std::vector<std::string> headers; ///< of HTTP requests, "Name: value"
     std::string subtitles;            ///< path of a subtitle file, or empty

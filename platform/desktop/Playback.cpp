@@ -52,7 +52,7 @@ void Playback::open(const PlayRequest &request, unsigned number)
     m_active = true;
     m_complaints.clear();
     m_explained = false;
-    madeProgress();
+    m_progress = request.time;
     if (request.kind == PlayRequest::Magnet) {
         m_magnet = std::make_shared<MagnetDownload>(request.address, request.torrentFile);
         m_magnetStream.setDownload(m_magnet);
@@ -85,10 +85,12 @@ void Playback::watchMagnet()
     if (m_magnet->takeProgress())
         madeProgress();
     const std::string problem = m_magnet->problem();
-    if (!problem.empty())
+    if (!problem.empty()) {
         fail(problem);
-    else if (m_magnet->takeReady())
+    } else if (m_magnet->takeReady()) {
+        madeProgress();
         load(MagnetStream::address);
+    }
 }
 
 void Playback::stop()

@@ -7,6 +7,15 @@
 
 using namespace Desk;
 
+namespace {
+
+bool isSame(const KVR_Rect &a, const KVR_Rect &b)
+{
+    return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
+}
+
+} // namespace
+
 template <typename Change>
 void PlayerWindow::change(Change change)
 {
@@ -59,7 +68,14 @@ KVR_Rect PlayerWindow::place() const
 
 void PlayerWindow::setPlace(const KVR_Rect &place)
 {
-    change([&] { m_shown.place = place; });
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        // Every window is put to its place when any has changed; only a new place is worth a new picture.
+        if (isSame(m_shown.place, place))
+            return;
+        m_shown.place = place;
+    }
+    m_notifier.notify();
     const std::lock_guard<std::mutex> lock(m_handlerMutex);
     if (m_redrawHandler)
         m_redrawHandler();

@@ -1,0 +1,113 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "BadSources.h"
+#include "LiveSource.h"
+#include "TestMedia.h"
+
+#include <QFile>
+
+namespace {
+
+QByteArray contentOf(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const QString &name, const QByteArray &content)
+{
+    QFile file(name);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QByteArray loopback(const char *scheme, int port, const char *rest = "")
+{
+    return QByteArray(scheme) + "://127.0.0.1:" + QByteArray::number(port) + rest;
+}
+
+} // namespace
+
+bool BadSources::prepare()
+{
+    // The servers are on this computer.
+    for (const char *proxy : {"http_proxy", "HTTP_PROXY", "all_proxy"})
+        qunsetenv(proxy);
+    constexpr char whole[] = "/mnt/stb/whole.mp4";
+    if (!TestMedia::makeBars(bars, 6)
+        || !TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-movflags", "faststart", whole}))
+        return false;
+    const QByteArray film = contentOf(whole);
+    const QByteArray stream = contentOf(bars);
+    const QByteArray garbage = QByteArray("\x13\x99garbage\0\xfe\x01", 12).repeated(20000);
+    if (!writeFile("/mnt/stb/cut.mp4", film.left(film.size() / 3)) || !writeFile("/mnt/stb/garbage.ts", garbage)
+        || !writeFile("/mnt/stb/empty.ts", {}))
+        return false;
+
+    m_server.serve("/stalled.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, stream.size() / 6});
+    m_server.serve("/stalled-early.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, 1000});
+    m_server.serve("/garbage", HttpServer::Page{garbage, "video/mp2t"});
+    m_server.serve("/nothing", HttpServer::Page{"", "video/mp2t"});
+    m_server.serve("/page", "<html><body>a page</body></html>");
+    m_server.redirect("/circle", m_server.url("/circle"));
+    m_silent.fallSilent();
+    m_refusing.refuse();
+    m_truncating = std::make_unique<RawServer>(RawServer::cutOff(film.left(film.size() / 3), film.size()));
+    m_closing = std::make_unique<RawServer>(QByteArray());
+
+    m_noisePort = freeUdpPort();
+    QObject::connect(&m_noiseTimer, &QTimer::timeout, &m_noise, [this, noise = garbage.left(1316)] {
+        m_noise.writeDatagram(noise, QHostAddress(QHostAddress::LocalHost), static_cast<quint16>(m_noisePort));
+    });
+    m_noiseTimer.start(10);
+    return true;
+}
+
+std::vector<BadSource> BadSources::all() const
+{
+    const QByteArray group = "239.255.77.2:" + QByteArray::number(freeUdpPort()) + "?localaddr=127.0.0.1";
+    return {
+        {"refused", m_refusing.url().toEncoded(), "refused"},
+        {"no such host", "http://no-such-host.invalid/a.ts", "loading failed"},
+        {"a dead host", loopback("http", m_dead.port(), "/a.ts"), "nothing arrives"},
+        {"never answers", silentServer(), "nothing arrives"},
+        {"not found", page("/missing.ts"), "404"},
+        {"stalls while it plays", page("/stalled.ts"), "nothing arrives", 1000},
+        {"stalls at once", page("/stalled-early.ts"), "nothing arrives"},
+        {"endless redirect", page("/circle"), "loading failed"},
+        {"garbage over HTTP", page("/garbage"), "unrecognized file format"},
+        {"nothing over HTTP", page("/nothing"), "unrecognized file format"},
+        {"a web page", page("/page"), "unrecognized file format"},
+        {"cut off over HTTP", m_truncating->url().toUtf8(), "breaks off at"},
+        {"closes at once", m_closing->url().toUtf8(), "loading failed"},
+        {"missing file", "/mnt/stb/missing.ts", "No such file"},
+        {"folder", "/mnt/stb", "not a file"},
+        {"device", "/dev/zero", "not a file"},
+        {"garbage file", "/mnt/stb/garbage.ts", "unrecognized file format"},
+        {"empty file", "/mnt/stb/empty.ts", "unrecognized file format"},
+        {"cut off file", "/mnt/stb/cut.mp4", "breaks off at"},
+        {"silent UDP port", loopback("udp", freeUdpPort()), "nothing arrives"},
+        {"garbage over UDP", loopback("udp", m_noisePort), "nothing arrives"},
+        {"silent multicast group", "udp://" + group, "nothing arrives"},
+        {"silent RTP port", loopback("rtp", freeUdpPort()), "nothing arrives"},
+        {"RTSP refused", loopback("rtsp", m_refusing.port(), "/a"), "refused"},
+        {"RTSP from a dead host", loopback("rtsp", m_dead.port(), "/a"), "nothing arrives"},
+        {"RTSP silent", loopback("rtsp", m_silent.port(), "/a"), "nothing arrives"},
+        {"unknown scheme", "gopher-tv://127.0.0.1/a", "loading failed"},
+        {"not a magnet link", "magnet:?xt=nothing", "not a magnet link"},
+        {"a torrent of nobody", nobodysMagnet, "nothing arrives"},
+    };
+}
+
+int BadSources::play(KVR_ID id, const QByteArray &address)
+{
+    if (address.startsWith('/'))
+        return KVR_PlayFile(id, address, 0, 0, 0, "", -1, -1, -1);
+    if (address.startsWith("magnet:"))
+        return KVR_PlayMagnet(id, address, "", 0, 0, 0, 0, -1, -1, -1);
+    if (address.startsWith("rtsp:"))
+        return KVR_PlayRtsp(id, address, 0, 1, -1, -1, -1);
+    if (address.startsWith("http:"))
+        return KVR_PlayHttp(id, address, "", -1, -1, -1);
+    return KVR_PlayStream(id, address, -1, -1, -1);
+}
