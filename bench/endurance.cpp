@@ -100,8 +100,9 @@ int main(int argc, char **argv)
             figures["bare"] = json(bare);
             bareText = slopeText(bare.slope);
         }
-        table.addRow({loop.name, megabytes(plugin.samples.first()), megabytes(plugin.samples.last()),
-                      slopeText(plugin.slope), bareText, plugin.isFlat() ? "yes" : "no"},
+        table.addRow({loop.name + (shortening > 1 ? ", a tenth of them" : ""), megabytes(plugin.samples.first()),
+                      megabytes(plugin.samples.last()), slopeText(plugin.slope), bareText,
+                      plugin.isFlat() ? "yes" : "no"},
                      figures, plugin.isFlat());
     }
     return table.finish();
