@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 // A player without any progress for so long is in error: the page is told within 15 seconds.
-constexpr seconds patience{13};
+constexpr seconds patience{12};
 constexpr milliseconds positionInterval{500};
 constexpr double longestWait = 0.1; // seconds
 
