@@ -52,6 +52,7 @@ private slots:
 
     void theFileIsReadAtTheStart_data();
     void theFileIsReadAtTheStart();
+    void whatCannotBeReadIsNoFile();
     void theFileIsReadAgainWhenItChanges_data();
     void theFileIsReadAgainWhenItChanges();
     void theFileComesAndGoes();
@@ -169,6 +170,18 @@ void TestTrace::theFileIsReadAtTheStart()
 
     QCOMPARE(log.debugLines().filter("level"), QStringList(line));
     QCOMPARE(isTraced(plugin, log), traced);
+}
+
+void TestTrace::whatCannotBeReadIsNoFile()
+{
+    QVERIFY(QDir().mkpath(levelFile));
+    MessageLog log;
+    HostedPlugin plugin;
+    const bool isStarted = plugin.start();
+    QVERIFY(QDir().rmdir(levelFile));
+
+    QVERIFY(isStarted);
+    QCOMPARE(log.debugLines().filter("level"), QStringList());
 }
 
 void TestTrace::theFileIsReadAgainWhenItChanges_data()
