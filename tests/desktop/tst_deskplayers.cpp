@@ -20,7 +20,7 @@ constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char film[] = "/mnt/stb/film.mkv";
 constexpr char wide[] = "/mnt/stb/wide.mkv";
 constexpr char narrow[] = "/mnt/stb/narrow.mkv";
-constexpr int barsSeconds = 12;
+constexpr int barsSeconds = 24;
 constexpr int frameTime = 40; // milliseconds
 const QColor blue(0x20, 0x40, 0xc0);
 
@@ -42,6 +42,24 @@ QStringList tracks(KVR_ID id, ListTracks list)
     }
     free(array);
     return result;
+}
+
+// Whether the position comes to move at this speed. The first moments are the change's own, and a busy computer may not
+// keep up all the time.
+bool moves(KVR_ID id, int speed)
+{
+    constexpr int attempts = 8;
+    for (int i = 0; i < attempts; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        const long long before = KVR_GetPosition(id);
+        QTest::qWait(600);
+        const double measured = double(KVR_GetPosition(id) - before) / double(timer.elapsed());
+        if (std::abs(measured - speed) < 0.3 * std::abs(speed))
+            return true;
+        qWarning("moves at %g times normal speed, not %d", measured, speed);
+    }
+    return false;
 }
 
 int playFile(KVR_ID id, const char *path, long long position = 0, const char *subtitles = "")
@@ -114,7 +132,7 @@ void TestDeskPlayers::aFilePlaysToItsEnd()
 {
     const DeskEvents events(m_id);
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
-    QCOMPARE(playFile(m_id, bars, 10000), int(KVR_OK));
+    QCOMPARE(playFile(m_id, bars, (barsSeconds - 2) * 1000), int(KVR_OK));
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     QVERIFY(qAbs(KVR_GetDuration(m_id) - barsSeconds * 1000) < 200);
@@ -258,30 +276,19 @@ void TestDeskPlayers::speedMovesThePosition_data()
 void TestDeskPlayers::speedMovesThePosition()
 {
     QFETCH(int, speed);
-    playFile(m_id, bars, speed > 0 ? 0 : 11000);
+    playFile(m_id, bars, speed > 0 ? 0 : 20000);
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     QTRY_VERIFY(KVR_GetPosition(m_id) > 0);
     QCOMPARE(KVR_SetSpeed(m_id, speed), int(KVR_OK));
     QCOMPARE(KVR_GetSpeed(m_id), speed);
-    QTest::qWait(300); // until the change has taken effect
-    QElapsedTimer timer;
-    timer.start();
-    const long long before = KVR_GetPosition(m_id);
     const QImage picture = playerPicture(m_id);
-    QTest::qWait(1200);
-    const double measured = double(KVR_GetPosition(m_id) - before) / double(timer.elapsed());
-    QVERIFY2(std::abs(measured - speed) < 0.3 * std::abs(speed), qPrintable(QString::number(measured)));
+    QVERIFY(moves(m_id, speed));
     QVERIFY(playerPicture(m_id) != picture);
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
 
     QCOMPARE(KVR_Continue(m_id), int(KVR_OK));
     QCOMPARE(KVR_GetSpeed(m_id), 1);
-    QTest::qWait(500);
-    timer.start();
-    const long long here = KVR_GetPosition(m_id);
-    QTest::qWait(500);
-    const double normal = double(KVR_GetPosition(m_id) - here) / double(timer.elapsed());
-    QVERIFY2(std::abs(normal - 1) < 0.3, qPrintable(QString::number(normal)));
+    QVERIFY(moves(m_id, 1));
 }
 
 void TestDeskPlayers::playingBackwardsEndsAtTheBeginning()
