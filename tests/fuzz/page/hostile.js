@@ -1,0 +1,97 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The values and the ways to call that scripts.txt has no short text for. Made before a script can change what they
+// use; each call makes its value anew.
+var hostile = (function () {
+    'use strict';
+    var names = ['StbMedia', 'StbDisplay', 'StbPVR', 'stb_media', 'stb_display'];
+
+    var connected = [];
+
+    function nested(depth, inner, wrap) {
+        var value = inner;
+        for (var i = 0; i < depth; ++i)
+            value = wrap(value);
+        return value;
+    }
+
+    function inArray(value) { return [value]; }
+    function inObject(value) { return {a: value}; }
+
+    // A child frame, with the script objects as those of its parent.
+    function frame() {
+        var element = document.createElement('iframe');
+        (document.body || document.documentElement).appendChild(element);
+        names.concat('hostile').forEach(function (name) { element.contentWindow[name] = window[name]; });
+        return element;
+    }
+
+    return Object.freeze({
+        deepArray: function () { return nested(100000, new Date(NaN), inArray); },
+        deepObject: function () { return nested(100000, new Date(NaN), inObject); },
+        longText: function () { return new Array(10000001).join('x'); },
+        longArray: function () { return new Array(1000000); },
+        longestArray: function () { return new Array(4294967295); },
+        wideObject: function () {
+            var object = {};
+            for (var i = 0; i < 100000; ++i)
+                object['p' + i] = i;
+            return object;
+        },
+        cyclic: function () {
+            var object = {array: [1], date: new Date(NaN)};
+            object.self = object;
+            object.array.push(object.array, object);
+            return object;
+        },
+        // Each look makes more of it.
+        growing: function grow() { return {get more() { return grow(); }}; },
+        // A value of a frame that is gone.
+        ofDeadFrame: function (expression) {
+            var element = frame();
+            var value = element.contentWindow.eval('(' + expression + ')');
+            element.parentNode.removeChild(element);
+            return value;
+        },
+        inFrame: function (call) { frame().contentWindow.eval('(' + call + ')()'); },
+        // What a call from a frame does that goes, or is loaded anew, meanwhile.
+        inDyingFrame: function (call) {
+            var element = frame();
+            element.contentWindow.go = function () { element.parentNode.removeChild(element); };
+            element.contentWindow.eval('go(); (' + call + ')()');
+        },
+        atUnloadOfFrame: function (call) {
+            var element = frame();
+            element.contentWindow.addEventListener('unload', call);
+            element.parentNode.removeChild(element);
+        },
+        // In place of what this page has connected before.
+        connect: function (signal, call) {
+            connected.forEach(function (old) {
+                try {
+                    old.signal.disconnect(old.call);
+                } catch (gone) {
+                }
+            });
+            connected = [{signal: signal, call: call}];
+            signal.connect(call);
+        },
+        // Not what the call itself changes.
+        observe: function (call) {
+            var observer = new MutationObserver(function () {
+                observer.disconnect();
+                call();
+            });
+            observer.observe(document, {childList: true, subtree: true});
+        },
+        // All that an object answers to.
+        walk: function (object) {
+            for (var name in object)
+                String(object[name]);
+            Object.getOwnPropertyNames(object).forEach(function (own) {
+                Object.getOwnPropertyDescriptor(object, own);
+            });
+        }
+    });
+})();
