@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "MagnetStream.h"
+#include "MagnetDownload.h"
 
 #include <mpv/stream_cb.h>
 #include <stdexcept>

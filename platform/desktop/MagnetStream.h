@@ -3,13 +3,13 @@
 
 #pragma once
 
-#include "MagnetDownload.h"
-
 #include <memory>
 #include <mpv/client.h>
 #include <mutex>
 
 namespace Desk {
+
+class MagnetDownload;
 
 /// Lets a player core read from a magnet link's download, under an address of its own. Outlives the core.
 class MagnetStream

@@ -3,6 +3,7 @@
 
 #include "Playback.h"
 #include "Log.h"
+#include "MagnetDownload.h"
 
 #include <algorithm>
 #include <cmath>
