@@ -32,5 +32,7 @@ void PlayerItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWid
         return;
     // A frame of another size is one from before the window changed.
     const QImage image(m_frame->pixels.data(), m_frame->width, m_frame->height, m_frame->stride, QImage::Format_RGB32);
-    painter->drawImage(boundingRect(), image);
+    // Blending looks at the byte of a pixel that is unused; a conversion sets it.
+    const bool blended = painter->opacity() < 1;
+    painter->drawImage(boundingRect(), blended ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied) : image);
 }

@@ -127,13 +127,13 @@ void TestPicture::theScreenShowsVideoAndPage()
     QFETCH(QVector<Spot>, spots);
     m_server->serve("/",
                     page("window.onload = function () {"
-                         "var id = StbMedia.CreatePlayer(); StbMedia.PlayFile(id, '/mnt/stb/"
-                             + video + "', 0, 0, 0); " + script
+                         "var id = StbMedia.CreatePlayer(); StbMedia.PlayFile(id, '/"
+                             + video + "', 0, 0, 0, ''); " + script
                              + "var poll = setInterval(function () {"
                                "if (StbMedia.GetPosition(id) < 300) return;"
                                "clearInterval(poll); tell('plays'); leave(300); }, 50); };",
                          body));
-    QCOMPARE(run({m_server->url().toString()}), 0);
+    QCOMPARE(run({"--exit-after", "15", m_server->url().toString()}), 0);
     QCOMPARE(told(), QStringList("plays"));
     const QImage screen(m_picture);
     QCOMPARE(screen.size(), QSize(1920, 1080));
