@@ -104,6 +104,9 @@ KavroStbBrowser::KavroStbBrowser(QWidget *parent)
 
 KavroStbBrowser::~KavroStbBrowser()
 {
+    // A page that has connected a function to destroyed() would be called with an object that is no more.
+    for (QObject *object : std::as_const(scriptObjects))
+        disconnect(object, nullptr, nullptr, nullptr);
     KavroJS::StbMedia::destroyInstance();
     KavroJS::StbDisplay::destroyInstance();
     KavroJS::StbPVR::destroyInstance();

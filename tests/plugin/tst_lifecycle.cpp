@@ -116,6 +116,8 @@ private slots:
     void destructionBeforeTheStartOnlyResetsTheGraphicsLayer_data();
     void destructionBeforeTheStartOnlyResetsTheGraphicsLayer();
     void destructionEndsEverything();
+    void pagesHearNothingOfDestruction_data();
+    void pagesHearNothingOfDestruction();
     void itStartsAgainAfterDestruction();
 };
 
@@ -586,6 +588,28 @@ void TestLifecycle::destructionEndsEverything()
     QVERIFY(!browser);
     QVERIFY(!webInspector);
     QVERIFY(!QWebSettings::globalSettings()->testAttribute(QWebSettings::LocalStorageEnabled));
+}
+
+void TestLifecycle::pagesHearNothingOfDestruction_data()
+{
+    QTest::addColumn<QString>("listener");
+    QTest::newRow("function") << "function () { StbDisplay.Log('gone'); }";
+    QTest::newRow("method of another object") << "StbDisplay.GetHdmiState";
+    QTest::newRow("method of the object") << "StbPVR.CleanUpRecords";
+    QTest::newRow("signal") << "StbMedia.jsCallback";
+}
+
+void TestLifecycle::pagesHearNothingOfDestruction()
+{
+    QFETCH(QString, listener);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.loadHtml("Portal"));
+    QCOMPARE(plugin.evaluateToJson("[StbMedia, StbDisplay, StbPVR, stb_media, stb_display].forEach(function (object) {"
+                                   "object.destroyed.connect("
+                                   + listener + "); })"),
+             QString("undefined"));
+    plugin.destroy();
 }
 
 void TestLifecycle::itStartsAgainAfterDestruction()

@@ -8,6 +8,7 @@ var hostile = (function () {
     var names = ['StbMedia', 'StbDisplay', 'StbPVR', 'stb_media', 'stb_display'];
 
     var connected = [];
+    var frames = 0;
 
     function nested(depth, inner, wrap) {
         var value = inner;
@@ -19,8 +20,11 @@ var hostile = (function () {
     function inArray(value) { return [value]; }
     function inObject(value) { return {a: value}; }
 
-    // A child frame, with the script objects as those of its parent.
+    // A child frame, with the script objects as those of its parent. So many for each page: a script that makes one can
+    // be called again by all that it does, and would never come to an end.
     function frame() {
+        if (++frames > 200)
+            throw new RangeError('too many frames');
         var element = document.createElement('iframe');
         (document.body || document.documentElement).appendChild(element);
         names.concat('hostile').forEach(function (name) { element.contentWindow[name] = window[name]; });
