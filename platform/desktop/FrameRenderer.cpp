@@ -15,13 +15,15 @@ FrameRenderer::FrameRenderer(MpvCore &core, PlayerWindow &window)
         {MPV_RENDER_PARAM_API_TYPE, const_cast<char *>(MPV_RENDER_API_TYPE_SW)},
         {MPV_RENDER_PARAM_INVALID, nullptr},
     };
-    const int result = mpv_render_context_create(&m_context, core.handle(), parameters);
+    mpv_render_context *context = nullptr;
+    const int result = mpv_render_context_create(&context, core.handle(), parameters);
     if (result < 0)
         throw std::runtime_error(std::string("libmpv cannot render: ") + mpv_error_string(result));
+    m_context.reset(context);
 
     m_thread = std::thread([this] { run(); });
     mpv_render_context_set_update_callback(
-        m_context, [](void *self) { static_cast<FrameRenderer *>(self)->wake(false); }, this);
+        m_context.get(), [](void *self) { static_cast<FrameRenderer *>(self)->wake(false); }, this);
     m_window.setRedrawHandler([this] { wake(true); });
 }
 
@@ -34,8 +36,7 @@ FrameRenderer::~FrameRenderer()
         m_woken.notify_one();
     }
     m_thread.join();
-    mpv_render_context_set_update_callback(m_context, nullptr, nullptr);
-    mpv_render_context_free(m_context);
+    mpv_render_context_set_update_callback(m_context.get(), nullptr, nullptr);
 }
 
 void FrameRenderer::wake(bool redraw)
@@ -58,7 +59,7 @@ void FrameRenderer::run()
             m_pending = false;
             std::swap(redraw, m_redraw);
         }
-        const bool newFrame = mpv_render_context_update(m_context) & MPV_RENDER_UPDATE_FRAME;
+        const bool newFrame = mpv_render_context_update(m_context.get()) & MPV_RENDER_UPDATE_FRAME;
         if (newFrame || redraw)
             render();
     }
@@ -77,6 +78,6 @@ void FrameRenderer::render()
         {MPV_RENDER_PARAM_SW_STRIDE, &stride},    {MPV_RENDER_PARAM_SW_POINTER, frame->pixels.data()},
         {MPV_RENDER_PARAM_SKIP_RENDERING, &skip}, {MPV_RENDER_PARAM_INVALID, nullptr},
     };
-    if (mpv_render_context_render(m_context, parameters) >= 0 && window.visible)
+    if (mpv_render_context_render(m_context.get(), parameters) >= 0 && window.visible)
         m_window.setFrame(frame);
 }

@@ -8,6 +8,7 @@
 #include "PlayerWindow.h"
 
 #include <condition_variable>
+#include <memory>
 #include <mpv/render.h>
 #include <mutex>
 #include <thread>
@@ -32,7 +33,7 @@ private:
 
     PlayerWindow &m_window;
     FramePool m_pool;
-    mpv_render_context *m_context = nullptr;
+    std::unique_ptr<mpv_render_context, decltype(&mpv_render_context_free)> m_context{nullptr, mpv_render_context_free};
     std::mutex m_mutex;
     std::condition_variable m_woken;
     bool m_pending = false;

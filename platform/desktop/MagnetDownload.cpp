@@ -33,12 +33,13 @@ constexpr std::chrono::milliseconds updateInterval{250};
 // The folder of a download. What a killed process has left behind goes before the first one.
 std::string newFolder()
 {
-    static std::atomic<int> count{0};
-    const int number = count++;
-    std::error_code ignored;
-    if (number == 0)
+    static std::once_flag cleared;
+    std::call_once(cleared, [] {
+        std::error_code ignored;
         std::filesystem::remove_all(BoxPaths::torrents, ignored);
-    return std::string(BoxPaths::torrents) + "/" + std::to_string(number);
+    });
+    static std::atomic<int> count{0};
+    return std::string(BoxPaths::torrents) + "/" + std::to_string(count++);
 }
 
 lt::session_params sessionParameters()

@@ -13,7 +13,8 @@ using namespace Desk;
 
 namespace {
 
-bool isRegularFile(const std::string &path)
+// What else a path may stand for might never end or never begin. Of a path to nothing, the core tells the reason.
+bool isFileOrNothing(const std::string &path)
 {
     struct stat status = {};
     return ::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode);
@@ -57,7 +58,7 @@ void Playback::open(const PlayRequest &request, unsigned number)
     if (request.kind == PlayRequest::Magnet) {
         m_magnet = std::make_shared<MagnetDownload>(request.address, request.torrentFile);
         m_magnetStream.setDownload(m_magnet);
-    } else if (request.kind == PlayRequest::File && !isRegularFile(request.address)) {
+    } else if (request.kind == PlayRequest::File && !isFileOrNothing(request.address)) {
         fail("it is not a file");
     } else {
         load(request.address);
@@ -72,7 +73,7 @@ void Playback::load(const std::string &address)
         options.emplace_back("start", std::to_string(m_request.start));
     for (const std::string &header : m_request.headers)
         options.emplace_back("http-header-fields-append", header);
-    if (!m_request.subtitles.empty())
+    if (!m_request.subtitles.empty() && isFileOrNothing(m_request.subtitles))
         options.emplace_back("sub-files-append", m_request.subtitles);
     if (m_request.kind == PlayRequest::Rtsp)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");

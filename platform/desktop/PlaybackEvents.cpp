@@ -246,6 +246,8 @@ void Playback::selectRequestedTracks()
                 + m_request.address);
     }
     const Track *subtitles = status.tracks->external(TrackKind::Subtitle);
+    if (!subtitles && !m_request.subtitles.empty())
+        log("player " + std::to_string(m_model.id()) + ": no subtitles in " + m_request.subtitles);
     if (subtitles && m_request.subtitlePid < 0)
         selectTrack("sid", subtitles->playerId);
     if (const Track *teletext = status.tracks->find(TrackKind::Teletext, status.teletextPid))
@@ -304,8 +306,9 @@ void Playback::updateState()
 void Playback::reachEnd()
 {
     const PlayerStatus status = m_model.status();
-    // Only pictures have a duration that is known for sure.
-    const bool early = status.videoPid >= 0 && status.position + earlyEnd < toMilliseconds(m_duration);
+    // Only pictures have a duration that is known for sure. One may have begun beyond it.
+    const bool early =
+        status.videoPid >= 0 && status.position + earlyEnd < toMilliseconds(m_duration) && m_request.start < m_duration;
     if (!m_started)
         fail("there is nothing to play in it");
     else if (early && status.request == m_number)

@@ -3,15 +3,19 @@
 
 #include "WindowLayout.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Desk;
 
 namespace {
 
-int scaled(int value, int to, int from)
+// Farther away than any screen is wide, and near enough to calculate with.
+constexpr double farAway = 1 << 24;
+
+int scaled(double value, int to, int from)
 {
-    return static_cast<int>(std::lround(static_cast<double>(value) * to / from));
+    return static_cast<int>(std::lround(std::clamp(value * to / from, -farAway, farAway)));
 }
 
 } // namespace
@@ -23,8 +27,8 @@ KVR_Rect Desk::onScreen(const std::optional<KVR_Rect> &place, int width, int hei
     // Edges are scaled rather than sizes, so that windows that touch go on to touch.
     const int left = scaled(place->x, screenWidth, width);
     const int top = scaled(place->y, screenHeight, height);
-    const int right = scaled(place->x + place->width, screenWidth, width);
-    const int bottom = scaled(place->y + place->height, screenHeight, height);
+    const int right = scaled(static_cast<double>(place->x) + place->width, screenWidth, width);
+    const int bottom = scaled(static_cast<double>(place->y) + place->height, screenHeight, height);
     return {left, top, right > left ? right - left : 1, bottom > top ? bottom - top : 1};
 }
 
