@@ -21,9 +21,10 @@ QString scriptDirectory()
 }
 
 // The toolkit's own conversion, which ends at a NUL.
-QStringList lines(const QByteArray &output)
+QVariantList lines(const QByteArray &output)
 {
-    return QString::fromLatin1(output.constData()).split(QLatin1Char('\n'), QString::SkipEmptyParts);
+    const QString text = QString::fromLatin1(output.constData());
+    return QVariant(text.split(QLatin1Char('\n'), QString::SkipEmptyParts)).toList();
 }
 
 QVariantMap outcome(QProcess &process)

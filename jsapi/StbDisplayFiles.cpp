@@ -20,7 +20,7 @@ QVariant listing(const QString &dir, QDir::Filters kind)
     // A comparison of texts, as portals have come to rely on: a neighbour such as /mnt/stbx passes.
     if (!path.startsWith(root))
         return failureMap(dir + QLatin1String("No such directory"), QLatin1String("45"));
-    return entryNames(path, kind);
+    return QVariant(entryNames(path, kind)).toList();
 }
 
 } // namespace

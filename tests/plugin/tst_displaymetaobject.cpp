@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "BoxFile.h"
 #include "HostedPlugin.h"
 
 #include "jsapi/StbDisplay.h"
@@ -66,6 +67,7 @@ private slots:
     void displayHasItsProperties();
     void pvrHasItsSlots();
     void pagesSeeTheSameMembersInThisOrder();
+    void answersOfSeveralTextsAreVariantLists();
     void theReferenceHasEachMethodOnce_data();
     void theReferenceHasEachMethodOnce();
     void theReferenceHasEachProperty();
@@ -187,6 +189,27 @@ void TestDisplayMetaObject::pagesSeeTheSameMembersInThisOrder()
     QCOMPARE(pvr.mid(pvr.size() - pvrTable.size()), pvrTable);
     QCOMPARE(plugin.evaluate("String(StbDisplay)"), QVariant("KavroJS::StbDisplay(name = \"\")"));
     QCOMPARE(plugin.evaluate("StbPVR.toString()"), QVariant("KavroJS::StbPVR(name = \"\")"));
+}
+
+// A page sees an array either way; callers in C++ ask for the type.
+void TestDisplayMetaObject::answersOfSeveralTextsAreVariantLists()
+{
+    writeBoxFile("/mnt/stb/dir/file", "");
+    const QString script = "/usr/local/bin/custom/lines";
+    writeBoxFile(script, "#!/bin/sh\necho a; echo b >&2\n");
+    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
+
+    KavroJS::StbDisplay display;
+    const QVariantMap outcome = display.ExecBlocking("lines", "").toMap();
+    const QPair<QVariant, QVariantList> answers[] = {{display.ListFiles("dir"), {"file"}},
+                                                     {display.ListFiles("none"), {}},
+                                                     {display.ListDirs("dir"), {".", ".."}},
+                                                     {outcome["stdout"], {"a"}},
+                                                     {outcome["stderr"], {"b"}}};
+    for (const auto &[answer, expected] : answers) {
+        QCOMPARE(answer.type(), QVariant::List); // a variant would compare as equal to one of another type
+        QCOMPARE(answer.toList(), expected);
+    }
 }
 
 QString TestDisplayMetaObject::reference(const QString &object)
