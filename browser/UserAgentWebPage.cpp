@@ -8,6 +8,8 @@
 
 namespace {
 
+const int longestDialogText = 2000; // characters, since the toolkit takes minutes to lay out millions
+
 void reportIgnored()
 {
     qDebug() << "Ignore back/fwd action";
@@ -53,4 +55,19 @@ bool UserAgentWebPage::acceptNavigationRequest(QWebFrame *frame, const QNetworkR
         return false;
     }
     return QWebPage::acceptNavigationRequest(frame, request, type);
+}
+
+void UserAgentWebPage::javaScriptAlert(QWebFrame *frame, const QString &text)
+{
+    QWebPage::javaScriptAlert(frame, text.left(longestDialogText));
+}
+
+bool UserAgentWebPage::javaScriptConfirm(QWebFrame *frame, const QString &text)
+{
+    return QWebPage::javaScriptConfirm(frame, text.left(longestDialogText));
+}
+
+bool UserAgentWebPage::javaScriptPrompt(QWebFrame *frame, const QString &text, const QString &value, QString *result)
+{
+    return QWebPage::javaScriptPrompt(frame, text.left(longestDialogText), value.left(longestDialogText), result);
 }

@@ -5,7 +5,7 @@
 
 #include <QWebPage>
 
-/// The page: tells servers which box they talk to, and goes neither back nor forward.
+/// The page: tells servers which box they talk to, goes neither back nor forward, and opens no endless dialogs.
 class UserAgentWebPage : public QWebPage
 {
 public:
@@ -17,4 +17,7 @@ public:
 protected:
     QString userAgentForUrl(const QUrl &url) const override;
     bool acceptNavigationRequest(QWebFrame *frame, const QNetworkRequest &request, NavigationType type) override;
+    void javaScriptAlert(QWebFrame *frame, const QString &text) override;
+    bool javaScriptConfirm(QWebFrame *frame, const QString &text) override;
+    bool javaScriptPrompt(QWebFrame *frame, const QString &text, const QString &value, QString *result) override;
 };

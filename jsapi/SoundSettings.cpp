@@ -22,13 +22,26 @@ const char muteKey[] = "volume/mute";
 
 // The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
 // one tick of the clock leave so. A copy under a new name is read in any case.
-QVariant value(const char *key)
+// QSettings makes objects of any type and size of entries with escapes or of this type. Those of this file are numbers.
+QByteArray plainEntries()
 {
     QFile file(QString::fromLatin1(settingsPath));
+    file.open(QIODevice::ReadOnly); // an unopened file has no entries
+    QByteArray entries;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        if (!line.contains('\\') && !line.contains("@Variant("))
+            entries += line;
+    }
+    return entries;
+}
+
+QVariant value(const char *key)
+{
     QTemporaryFile copy;
-    if (!file.open(QIODevice::ReadOnly) || !copy.open())
+    if (!copy.open())
         return 0;
-    copy.write(file.readAll());
+    copy.write(plainEntries());
     copy.close();
     return QSettings(copy.fileName(), QSettings::NativeFormat).value(QLatin1String(key), 0);
 }
@@ -51,7 +64,11 @@ void setValue(const char *key, int value)
     QFile::remove(newPath);
     // Left behind by a kill, it would be waited for, if the process that made it had the same number as this one.
     QFile::remove(newPath + QLatin1String(".lock"));
-    QFile::copy(path, newPath);
+    const QByteArray entries = plainEntries();
+    QFile copy(newPath);
+    if (!copy.open(QIODevice::WriteOnly) || copy.write(entries) != entries.size() || !copy.flush())
+        return;
+    copy.close();
     QSettings(newPath, QSettings::NativeFormat).setValue(QLatin1String(key), value);
     bringToDisk(QFile::encodeName(newPath));
     rename(QFile::encodeName(newPath).constData(), settingsPath);

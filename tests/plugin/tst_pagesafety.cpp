@@ -5,6 +5,9 @@
 #include "ScriptSession.h"
 #include "StreamCapture.h"
 
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
 #include <QtTest>
 
 #include <memory>
@@ -93,6 +96,8 @@ private slots:
     void eventHandlersMayHaveAnyValue_data();
     void eventHandlersMayHaveAnyValue();
     void signalsDoNotReachPagesThatAreGone();
+    void dialogsShowNoMoreThanFits_data();
+    void dialogsShowNoMoreThanFits();
     void guardsWorkOnInALoop_data();
     void guardsWorkOnInALoop();
     void changedPrototypesChangeNothing_data();
@@ -290,6 +295,38 @@ void TestPageSafety::signalsDoNotReachPagesThatAreGone()
     QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray());
+}
+
+void TestPageSafety::dialogsShowNoMoreThanFits_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::newRow("alert") << "alert(text)";
+    QTest::newRow("confirm") << "confirm(text)";
+    QTest::newRow("prompt") << "prompt(text, text)";
+}
+
+void TestPageSafety::dialogsShowNoMoreThanFits()
+{
+    QFETCH(const QString, script);
+    QStringList shown;
+    QTimer closer;
+    connect(&closer, &QTimer::timeout, this, [&shown] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            return;
+        const QList<QLabel *> labels = dialog->findChildren<QLabel *>();
+        for (const QLabel *label : labels)
+            shown += label->text();
+        const QList<QLineEdit *> fields = dialog->findChildren<QLineEdit *>();
+        for (const QLineEdit *field : fields)
+            shown += field->text();
+        dialog->close();
+    });
+    closer.start(10);
+    m_session->run("var text = new Array(10000001).join('x'); " + script);
+    QVERIFY(!shown.filter("xxxxx").isEmpty());
+    for (const QString &text : std::as_const(shown))
+        QVERIFY2(text.size() <= 2500, QByteArray::number(text.size()));
 }
 
 void TestPageSafety::guardsWorkOnInALoop_data()

@@ -131,6 +131,14 @@ void TestSoundSettings::theFileReadsAsDocumented_data()
     row("boolean words", "[volume]\nmute=true\nvolumeValue=35\n", "35, 1");
     row("boolean words, no", "[volume]\nmute=false\nvolumeValue=35\n", "35, 0");
     row("nothing behind the signs", "[volume]\nmute=\nvolumeValue=\n", "0, 0");
+    row("list of two billion", "[volume]\nmute=1\nvolumeValue=@Variant(\\0\\0\\0\\x9\\x7f\\xff\\xff\\xff)\n", "0, 1");
+    row("list of two billion in disguise",
+        "[volume]\nmute=1\nvolumeValue=\\x40Variant(\\0\\0\\0\\x9\\x7f\\xff\\xff\\xff)\n", "0, 1");
+    row("list of two billion in bytes",
+        "[volume]\nmute=1\nvolumeValue=@Variant(" + QByteArray("\0\0\0\x09\x7f\xff\xff\xff", 8) + ")\n", "0, 1");
+    row("lists in lists",
+        "[volume]\nmute=1\nvolumeValue=@Variant(" + QByteArray("\\0\\0\\0\\x9\\0\\0\\0\\x1").repeated(100000) + ")\n",
+        "0, 1");
     row("no settings at all", QByteArray("\0\xff\x1b[[[\n=\n\\\n", 10), "0, 0");
 }
 
@@ -141,6 +149,9 @@ void TestSoundSettings::theFileReadsAsDocumented()
     QVERIFY(write(settingsFile, file));
     QCOMPARE(soundOfANewPlayer(m_session.get()), sound);
     QCOMPARE(content(settingsFile), file);
+    // Nor is anything in it in the way of a new sound.
+    closeAPlayer(m_session.get(), 41, 1);
+    QCOMPARE(soundOfANewPlayer(m_session.get()), QString("41, 1"));
 }
 
 void TestSoundSettings::theFileHoldsWhatThePlatformSaid_data()
