@@ -6,9 +6,10 @@
 #include "FuzzedBox.h"
 #include "RecordingPlatform.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFile>
 #include <QTest>
+#include <QThread>
 #include <QWebFrame>
 #include <QWebView>
 
@@ -18,6 +19,7 @@ namespace {
 
 const int firstLoadTimeout = 20000; // ms
 const int patience = 500;           // ms
+const int timeOfDialogs = 20;       // ms
 const char *const levelFile = "/etc/stbjsapi_debug";
 
 QByteArray resource(const char *name)
@@ -60,6 +62,10 @@ PageFuzzer::PageFuzzer(quint32 seed, ActionLog *log)
     m_writer = std::make_unique<ScriptWriter>(QString::fromUtf8(resource("scripts.txt")), members());
     m_next.setSingleShot(true);
     connect(&m_next, &QTimer::timeout, this, &PageFuzzer::step);
+    connect(&m_closer, &QTimer::timeout, this, [] {
+        if (QWidget *dialog = QApplication::activeModalWidget())
+            dialog->close();
+    });
 }
 
 void PageFuzzer::start()
@@ -92,6 +98,7 @@ void PageFuzzer::run(int milliseconds)
 {
     QTimer::singleShot(milliseconds, this, &QCoreApplication::quit);
     m_next.start();
+    m_closer.start(timeOfDialogs);
     QCoreApplication::exec();
     m_next.stop();
     m_log->begin("the end");
@@ -100,6 +107,11 @@ void PageFuzzer::run(int milliseconds)
 
 void PageFuzzer::step()
 {
+    // A launcher does nothing with a page either that waits for a dialog's end.
+    if (QThread::currentThread()->loopLevel() > 1) {
+        m_next.start();
+        return;
+    }
     const PageState state = pageState();
     if (state == Ready) {
         m_waiting.invalidate();
@@ -113,6 +125,7 @@ void PageFuzzer::step()
     } else if (m_waiting.elapsed() > m_patience) {
         m_waiting.start();
         m_patience *= 2; // on a slow computer
+        m_log->begin("the page anew, which does not get ready");
         openPage();
     }
     m_next.start();
@@ -144,7 +157,7 @@ void PageFuzzer::act()
     static constexpr std::array choices = {Choice{900, &PageFuzzer::runScript},   Choice{70, &PageFuzzer::fireEvents},
                                            Choice{20, &PageFuzzer::pressKey},     Choice{10, &PageFuzzer::navigate},
                                            Choice{3, &PageFuzzer::setTraceLevel}, Choice{1, &PageFuzzer::restart}};
-    const std::array<quint32, 2> seed = {m_seed, m_log->count()};
+    const std::array<quint32, 2> seed = {m_seed, m_actions++};
     QRandomGenerator random(seed.data(), seed.size());
     int total = 0;
     for (const Choice &choice : choices)

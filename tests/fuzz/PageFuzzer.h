@@ -45,10 +45,12 @@ private:
 
     const quint32 m_seed;
     ActionLog *const m_log;
+    quint32 m_actions = 0;
     std::unique_ptr<HttpServer> m_server;
     std::unique_ptr<HostedPlugin> m_plugin;
     std::unique_ptr<ScriptWriter> m_writer;
     QElapsedTimer m_waiting; ///< for a page; invalid while one is there
     int m_patience = 0;      ///< how long to wait, in milliseconds
     QTimer m_next;
+    QTimer m_closer; ///< of dialogs that pages open
 };

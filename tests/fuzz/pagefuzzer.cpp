@@ -82,6 +82,7 @@ void fuzz(const Options &options, ActionLog *log)
     char name[] = "pagefuzzer";
     char *argv[] = {name, nullptr};
     const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false); // which may be a page's dialog
     PageFuzzer(options.seed, log).run(options.seconds * 1000);
 }
 

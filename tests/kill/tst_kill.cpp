@@ -134,7 +134,7 @@ Report TestKill::killedWriter(const QByteArray &kind, int round)
     process.waitForFinished();
     if (!lived || process.exitStatus() != QProcess::CrashExit)
         QTest::qFail("the writer ended before it was killed", __FILE__, __LINE__);
-    const Report report = reportOf(process.readAllStandardOutput());
+    Report report = reportOf(process.readAllStandardOutput());
     m_inWork += report.keyInWork.isEmpty() ? 0 : 1;
     return report;
 }
