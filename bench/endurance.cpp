@@ -12,15 +12,20 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace {
 
 constexpr double kilobyte = 1024;
 constexpr double megabyte = kilobyte * kilobyte;
 constexpr int quickly = 10; // times shorter loops
-// Of the samples at the beginning, while caches fill.
+// Memory goes up and down, because the engine collects its garbage when it sees fit. The lows tell what stays.
+constexpr int samplesPerLow = 5;
+// Of the lows at the beginning, while caches fill.
 constexpr int warmUpPart = 4;
 constexpr double standardErrors = 3;
 constexpr double negligible = 1 * megabyte; // in a whole loop
+constexpr double vague = 0.05;              // of the memory: what goes up and down so much tells nothing
 
 struct Loop
 {
@@ -46,17 +51,30 @@ struct Course
     QVector<double> samples;
     Statistics::Slope slope; ///< bytes in the whole loop
 
-    bool isFlat() const { return slope.rise - standardErrors * slope.error < negligible; }
+    bool isFlat() const
+    {
+        const double doubt = standardErrors * slope.error;
+        return slope.rise - doubt < negligible && doubt < std::max(vague * samples.last(), negligible);
+    }
 };
+
+QVector<double> lowsOf(const QVector<double> &samples)
+{
+    QVector<double> lows;
+    for (int i = 0; i + samplesPerLow <= samples.size(); i += samplesPerLow)
+        lows += *std::min_element(samples.begin() + i, samples.begin() + i + samplesPerLow);
+    return lows;
+}
 
 Course course(const Loop &loop, const QString &program, const QString &page, int shortening)
 {
-    const QStringList arguments = {loop.task, page, QString::number(loop.rounds / shortening),
-                                   QString::number(loop.countOfRound)};
+    const QStringList arguments = {loop.task, page, QString::number(loop.rounds),
+                                   QString::number(std::max(loop.countOfRound / shortening, 1))};
     const QVector<double> samples = Child(program, arguments).values();
-    Statistics::Slope slope = Statistics::slope(samples.mid(samples.size() / warmUpPart));
-    slope.rise *= samples.size();
-    slope.error *= samples.size();
+    const QVector<double> lows = lowsOf(samples);
+    Statistics::Slope slope = Statistics::slope(lows.mid(lows.size() / warmUpPart));
+    slope.rise *= lows.size();
+    slope.error *= lows.size();
     return {samples, slope};
 }
 
@@ -100,7 +118,7 @@ int main(int argc, char **argv)
             figures["bare"] = json(bare);
             bareText = slopeText(bare.slope);
         }
-        table.addRow({loop.name + (shortening > 1 ? ", a tenth of them" : ""), megabytes(plugin.samples.first()),
+        table.addRow({loop.name + (shortening > 1 ? ", shortened" : ""), megabytes(plugin.samples.first()),
                       megabytes(plugin.samples.last()), slopeText(plugin.slope), bareText,
                       plugin.isFlat() ? "yes" : "no"},
                      figures, plugin.isFlat());
