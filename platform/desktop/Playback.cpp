@@ -4,6 +4,7 @@
 #include "Playback.h"
 #include "Log.h"
 #include "MagnetDownload.h"
+#include "RtpStream.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,6 +34,7 @@ Playback::Playback(PlayerModel &model, PlayerWindow &window)
     , m_renderer(m_core, window)
 {
     m_magnetStream.install(m_core.handle());
+    RtpStream::install(m_core.handle());
     const PlayerStatus status = m_model.status();
     m_core.set("volume", static_cast<double>(status.volume));
     m_core.set("mute", status.mute);
@@ -79,7 +81,7 @@ void Playback::load(const std::string &address)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");
     m_core.set("pause", m_paused);
     m_core.set("speed", 1.0);
-    m_core.load(address, options, m_number);
+    m_core.load(RtpStream::addressFor(address), options, m_number);
 }
 
 void Playback::watchMagnet()

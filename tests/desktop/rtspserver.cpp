@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-// rtspserver FILE: serves the picture of a Matroska file by RTSP on loopback, over UDP or TCP as the client wants,
-// until it is killed. Its first line of output is the address.
+// rtspserver FILE udp|tcp: serves the picture of a Matroska file by RTSP on loopback, over UDP or TCP alone, until it
+// is killed. Its first line of output is the address.
 
 #include <gst/rtsp-server/rtsp-server.h>
 
@@ -11,8 +11,9 @@
 
 int main(int argc, char *argv[])
 {
-    if (argc != 2) {
-        std::fputs("usage: rtspserver FILE\n", stderr);
+    const std::string transport = argc == 3 ? argv[2] : "";
+    if (transport != "udp" && transport != "tcp") {
+        std::fputs("usage: rtspserver FILE udp|tcp\n", stderr);
         return 2;
     }
     gst_init(nullptr, nullptr);
@@ -23,6 +24,8 @@ int main(int argc, char *argv[])
     const std::string pipeline =
         std::string("( filesrc location=") + argv[1] + " ! matroskademux ! rtph264pay name=pay0 )";
     gst_rtsp_media_factory_set_launch(factory, pipeline.c_str());
+    gst_rtsp_media_factory_set_protocols(factory,
+                                         transport == "tcp" ? GST_RTSP_LOWER_TRANS_TCP : GST_RTSP_LOWER_TRANS_UDP);
     GstRTSPMountPoints *mounts = gst_rtsp_server_get_mount_points(server);
     gst_rtsp_mount_points_add_factory(mounts, "/film", factory);
     g_object_unref(mounts);

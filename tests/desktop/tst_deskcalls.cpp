@@ -181,9 +181,9 @@ void TestDeskCalls::end(KVR_ID id, const QByteArray &address)
 
 void TestDeskCalls::callEverything(const std::vector<BadSource> &sources)
 {
-    std::vector<KVR_ID> ids;
-    for (const BadSource &source : sources)
-        ids.push_back(begin(source.address));
+    std::vector<KVR_ID> ids(sources.size());
+    std::transform(sources.begin(), sources.end(), ids.begin(),
+                   [this](const BadSource &source) { return begin(source.address); });
     for (int round = 0; round < rounds; ++round) {
         for (const KVR_ID id : ids) {
             for (const Call &call : calls)

@@ -1,0 +1,203 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "DeskEvents.h"
+#include "LiveSource.h"
+#include "Playing.h"
+#include "TestMedia.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+#include <QTimer>
+#include <QUdpSocket>
+
+namespace {
+
+constexpr char bars[] = "/mnt/stb/bars.ts";
+constexpr char film[] = "/mnt/stb/film.mkv";
+constexpr int barsSeconds = 12;
+
+// With all that a header may have: two sources, an extension of one word, and padding.
+QByteArray rtpPacket(const QByteArray &payload)
+{
+    return QByteArray::fromHex("b2210000 00000000 47474747 47474747 47474747 abcd0001 47474747") + payload
+        + QByteArray::fromHex("00000004");
+}
+
+QString multicast(KVR_ID id)
+{
+    KVR_MulticastEvent event = {};
+    if (KVR_GetLastMulticastEvent(id, &event) != KVR_OK)
+        return "failed";
+    return QString("%1 %2").arg(QString::fromLatin1(event.ip_port)).arg(event.join);
+}
+
+} // namespace
+
+/// What players make of streams that are sent as they happen.
+class TestDeskLive : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void packetsPlayUnicast_data();
+    void packetsPlayUnicast();
+    void rtpHeadersAreTakenOff();
+    void multicastIsJoinedAndLeft_data();
+    void multicastIsJoinedAndLeft();
+    void aLiveStreamHasNoDuration();
+    void aLiveStreamThatStopsIsAnError();
+    void rtspPlays_data();
+    void rtspPlays();
+
+private:
+    KVR_ID m_id = -1;
+};
+
+void TestDeskLive::initTestCase()
+{
+    QVERIFY(TestMedia::makeBars(bars, barsSeconds));
+    QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", film}));
+}
+
+void TestDeskLive::init()
+{
+    m_id = KVR_CreatePlayer();
+}
+
+void TestDeskLive::cleanup()
+{
+    KVR_ClosePlayer(m_id);
+}
+
+void TestDeskLive::packetsPlayUnicast_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<QString>("format");
+    QTest::newRow("UDP") << "udp"
+                         << "mpegts";
+    QTest::newRow("RTP") << "rtp"
+                         << "rtp_mpegts";
+}
+
+void TestDeskLive::packetsPlayUnicast()
+{
+    QFETCH(QString, scheme);
+    QFETCH(QString, format);
+    const QString address = QString("%1://127.0.0.1:%2").arg(scheme).arg(freeUdpPort());
+    const DeskEvents events(m_id);
+    QCOMPARE(KVR_PlayStream(m_id, address.toUtf8(), -1, TestMedia::englishPid, -1), int(KVR_OK));
+    const LiveSource source(bars, format, address + "?pkt_size=1316");
+    QVERIFY(comesToPlay(m_id));
+    QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+    QTRY_COMPARE(KVR_GetAudioPid(m_id), TestMedia::englishPid);
+    QCOMPARE(DeskEvents::count(KVR_EVENT_MULTICAST), 0);
+    QCOMPARE(multicast(m_id), QString(" 0"));
+}
+
+void TestDeskLive::rtpHeadersAreTakenOff()
+{
+    constexpr int payload = 7 * 188; // bytes
+    constexpr int interval = 20;     // milliseconds
+    QFile file(bars);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray stream = file.readAll();
+    const int port = freeUdpPort();
+    QUdpSocket socket;
+    QTimer timer;
+    int sent = 0;
+    connect(&timer, &QTimer::timeout, this, [&] {
+        for (const int end = sent + stream.size() / (barsSeconds * 1000 / interval); sent < end; sent += payload)
+            socket.writeDatagram(rtpPacket(stream.mid(sent % stream.size(), payload)), QHostAddress::LocalHost,
+                                 quint16(port));
+    });
+    timer.start(interval);
+    KVR_PlayStream(m_id, "rtp://127.0.0.1:" + QByteArray::number(port), -1, -1, -1);
+    QVERIFY(comesToPlay(m_id));
+    QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+}
+
+void TestDeskLive::multicastIsJoinedAndLeft_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("UDP") << "udp"
+                         << "mpegts"
+                         << "udp://239.255.77.1:%1?localaddr=127.0.0.1";
+    QTest::newRow("UDP, with an at sign") << "udp"
+                                          << "mpegts"
+                                          << "udp://@239.255.77.1:%1?localaddr=127.0.0.1";
+    QTest::newRow("RTP") << "rtp"
+                         << "rtp_mpegts"
+                         << "rtp://239.255.77.1:%1?localaddr=127.0.0.1";
+}
+
+void TestDeskLive::multicastIsJoinedAndLeft()
+{
+    QFETCH(QString, scheme);
+    QFETCH(QString, format);
+    QFETCH(QString, pattern);
+    const QString port = QString::number(freeUdpPort());
+    const LiveSource source(bars, format, scheme + "://239.255.77.1:" + port + "?localaddr=127.0.0.1");
+    const DeskEvents events(m_id);
+    KVR_PlayStream(m_id, pattern.arg(port).toUtf8(), -1, -1, -1);
+    QVERIFY(comesToPlay(m_id));
+    QCOMPARE(DeskEvents::count(KVR_EVENT_MULTICAST), 1);
+    QCOMPARE(multicast(m_id), "239.255.77.1:" + port + " 1");
+    KVR_Stop(m_id);
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_MULTICAST), 2);
+    QCOMPARE(multicast(m_id), "239.255.77.1:" + port + " 0");
+}
+
+void TestDeskLive::aLiveStreamHasNoDuration()
+{
+    const QString address = QString("udp://127.0.0.1:%1").arg(freeUdpPort());
+    KVR_PlayStream(m_id, address.toUtf8(), -1, -1, -1);
+    const LiveSource source(bars, "mpegts", address + "?pkt_size=1316");
+    QVERIFY(comesToPlay(m_id));
+    QCOMPARE(KVR_GetDuration(m_id), 0LL);
+}
+
+void TestDeskLive::aLiveStreamThatStopsIsAnError()
+{
+    const QString address = QString("udp://127.0.0.1:%1").arg(freeUdpPort());
+    KVR_PlayStream(m_id, address.toUtf8(), -1, -1, -1);
+    LiveSource source(bars, "mpegts", address + "?pkt_size=1316");
+    QVERIFY(comesToPlay(m_id));
+    const ErrorOutput log;
+    source.stop();
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ERROR), 17000);
+    QVERIFY2(log.text().contains("nothing arrives"), qPrintable(log.text()));
+}
+
+void TestDeskLive::rtspPlays_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QString>("transport"); // the only one of the server
+    QTest::newRow("over UDP") << 0 << "udp";
+    QTest::newRow("over TCP") << 1 << "tcp";
+}
+
+void TestDeskLive::rtspPlays()
+{
+    QFETCH(int, mode);
+    QFETCH(QString, transport);
+    QProcess server;
+    server.start(QCoreApplication::applicationDirPath() + "/rtspserver", {film, transport});
+    QVERIFY(server.waitForReadyRead());
+    const QByteArray address = server.readLine().trimmed();
+    QCOMPARE(KVR_PlayRtsp(m_id, address, 0, mode, -1, -1, -1), int(KVR_OK));
+    QVERIFY(comesToPlay(m_id));
+    KVR_Stop(m_id);
+    server.kill();
+    server.waitForFinished();
+}
+
+QTEST_GUILESS_MAIN(TestDeskLive)
+#include "tst_desklive.moc"
