@@ -205,13 +205,16 @@ void TestDeskCalls::noCallWaitsWhateverTheSourceDoes()
         for (int cycle = 0; cycle < cycles; ++cycle)
             callEverything({begin, end});
     }
+    double worst = 0;
     for (auto &[name, times] : m_times) {
         std::sort(times.begin(), times.end());
         const double percentile = times[times.size() * 99 / 100];
+        worst = std::max(worst, percentile);
         QVERIFY2(times.size() >= 400, "enough calls for a percentile");
         QVERIFY2(percentile <= longestCall,
                  qPrintable(QString("%1 takes %2 ms").arg(QString::fromLatin1(name)).arg(percentile)));
     }
+    qInfo("99 of 100 calls of the slowest function take at most %g ms", worst);
 }
 
 QTEST_GUILESS_MAIN(TestDeskCalls)

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <climits>
 #include <malloc.h>
 #include <vector>
 
@@ -134,6 +135,8 @@ void TestDeskFailures::closingReturnsAtOnceAndLeavesNothing_data()
     QTest::newRow("never used") << QByteArray() << int(KVR_PLAYER_IDLE);
     QTest::newRow("opening a file") << QByteArray(BadSources::bars) << int(KVR_PLAYER_OPENING);
     QTest::newRow("playing a file") << QByteArray(BadSources::bars) << int(KVR_PLAYER_PLAYING);
+    QTest::newRow("paused") << QByteArray(BadSources::bars) << int(KVR_PLAYER_PAUSED);
+    QTest::newRow("at its end") << QByteArray(BadSources::bars) << int(KVR_PLAYER_ENDED);
     QTest::newRow("in error") << QByteArray("/mnt/stb/empty.ts") << int(KVR_PLAYER_ERROR);
     QTest::newRow("waiting for a server") << m_sources.silentServer() << int(KVR_PLAYER_OPENING);
     QTest::newRow("waiting for packets") << QByteArray(BadSources::silentPort) << int(KVR_PLAYER_OPENING);
@@ -157,6 +160,10 @@ void TestDeskFailures::closingReturnsAtOnceAndLeavesNothing()
         const KVR_ID id = KVR_CreatePlayer();
         if (!address.isEmpty())
             BadSources::play(id, address);
+        if (state == KVR_PLAYER_PAUSED || state == KVR_PLAYER_ENDED) {
+            QTRY_COMPARE(KVR_GetPlayerState(id), int(KVR_PLAYER_PLAYING));
+            QCOMPARE(state == KVR_PLAYER_PAUSED ? KVR_Pause(id) : KVR_SetPosition(id, LLONG_MAX), int(KVR_OK));
+        }
         QTRY_COMPARE(KVR_GetPlayerState(id), state);
         QElapsedTimer timer;
         timer.start();
