@@ -4,7 +4,6 @@
 #include "MagnetStream.h"
 #include "MagnetDownload.h"
 
-#include <mpv/stream_cb.h>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -15,15 +14,24 @@ namespace {
 
 constexpr char scheme[] = "kavro-magnet";
 
+} // namespace
+
 // One opened stream; libmpv calls its functions, and cancels it from another thread.
-struct Reader
+struct MagnetStream::Reader
 {
+    static std::int64_t read(void *cookie, char *buffer, std::uint64_t size);
+    static std::int64_t seek(void *cookie, std::int64_t offset);
+    static std::int64_t size(void *cookie) { return static_cast<Reader *>(cookie)->download->size(); }
+    static void cancel(void *cookie);
+    static void close(void *cookie);
+
+    std::mutex mutex; // between cancelling and closing
     std::shared_ptr<MagnetDownload> download;
     std::int64_t position = 0;
     std::atomic<bool> cancelled{false};
 };
 
-std::int64_t readStream(void *cookie, char *buffer, std::uint64_t size)
+std::int64_t MagnetStream::Reader::read(void *cookie, char *buffer, std::uint64_t size)
 {
     auto &reader = *static_cast<Reader *>(cookie);
     const std::int64_t count =
@@ -33,7 +41,7 @@ std::int64_t readStream(void *cookie, char *buffer, std::uint64_t size)
     return count;
 }
 
-std::int64_t seekStream(void *cookie, std::int64_t offset)
+std::int64_t MagnetStream::Reader::seek(void *cookie, std::int64_t offset)
 {
     auto &reader = *static_cast<Reader *>(cookie);
     if (offset < 0 || offset > reader.download->size())
@@ -41,44 +49,47 @@ std::int64_t seekStream(void *cookie, std::int64_t offset)
     return reader.position = offset;
 }
 
-std::int64_t sizeOfStream(void *cookie)
-{
-    return static_cast<Reader *>(cookie)->download->size();
-}
-
-void cancelStream(void *cookie)
+void MagnetStream::Reader::cancel(void *cookie)
 {
     auto &reader = *static_cast<Reader *>(cookie);
+    const std::lock_guard<std::mutex> lock(reader.mutex);
     reader.cancelled = true;
-    reader.download->wakeReaders();
+    if (reader.download)
+        reader.download->wakeReaders();
 }
 
-void closeStream(void *cookie)
+void MagnetStream::Reader::close(void *cookie)
 {
-    delete static_cast<Reader *>(cookie);
+    auto &reader = *static_cast<Reader *>(cookie);
+    std::shared_ptr<MagnetDownload> last; // whose end takes a while
+    const std::lock_guard<std::mutex> lock(reader.mutex);
+    last.swap(reader.download);
 }
 
-int openStream(void *stream, char *, mpv_stream_cb_info *info)
+MagnetStream::MagnetStream() = default;
+
+MagnetStream::~MagnetStream() = default;
+
+int MagnetStream::open(void *self, char *, mpv_stream_cb_info *info)
 {
-    auto download = static_cast<MagnetStream *>(stream)->download();
-    if (!download)
+    auto &stream = *static_cast<MagnetStream *>(self);
+    const std::lock_guard<std::mutex> lock(stream.m_mutex);
+    if (!stream.m_download)
         return MPV_ERROR_LOADING_FAILED;
-    auto reader = std::make_unique<Reader>();
-    reader->download = std::move(download);
-    info->cookie = reader.release();
-    info->read_fn = readStream;
-    info->seek_fn = seekStream;
-    info->size_fn = sizeOfStream;
-    info->cancel_fn = cancelStream;
-    info->close_fn = closeStream;
+    Reader &reader = stream.m_readers.emplace_back();
+    reader.download = stream.m_download;
+    info->cookie = &reader;
+    info->read_fn = Reader::read;
+    info->seek_fn = Reader::seek;
+    info->size_fn = Reader::size;
+    info->cancel_fn = Reader::cancel;
+    info->close_fn = Reader::close;
     return 0;
 }
 
-} // namespace
-
 void MagnetStream::install(mpv_handle *core)
 {
-    const int result = mpv_stream_cb_add_ro(core, scheme, this, openStream);
+    const int result = mpv_stream_cb_add_ro(core, scheme, this, open);
     if (result < 0)
         throw std::runtime_error(std::string("libmpv takes no streams from us: ") + mpv_error_string(result));
 }
@@ -87,10 +98,4 @@ void MagnetStream::setDownload(std::shared_ptr<MagnetDownload> download)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_download.swap(download);
-}
-
-std::shared_ptr<MagnetDownload> MagnetStream::download() const
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_download;
 }

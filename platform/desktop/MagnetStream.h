@@ -3,8 +3,9 @@
 
 #pragma once
 
+#include <list>
 #include <memory>
-#include <mpv/client.h>
+#include <mpv/stream_cb.h>
 #include <mutex>
 
 namespace Desk {
@@ -15,6 +16,11 @@ class MagnetDownload;
 class MagnetStream
 {
 public:
+    MagnetStream();
+    MagnetStream(const MagnetStream &) = delete;
+    MagnetStream &operator=(const MagnetStream &) = delete;
+    ~MagnetStream();
+
     static constexpr char address[] = "kavro-magnet://stream";
 
     /// Makes the address known to a core.
@@ -22,11 +28,14 @@ public:
 
     /// What the address stands for from now on; null for nothing.
     void setDownload(std::shared_ptr<MagnetDownload> download);
-    std::shared_ptr<MagnetDownload> download() const;
 
 private:
-    mutable std::mutex m_mutex;
+    struct Reader;
+    static int open(void *self, char *address, mpv_stream_cb_info *info);
+
+    std::mutex m_mutex;
     std::shared_ptr<MagnetDownload> m_download;
+    std::list<Reader> m_readers; // all that there were, since the core may cancel one that it has closed
 };
 
 } // namespace Desk

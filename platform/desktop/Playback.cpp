@@ -4,7 +4,6 @@
 #include "Playback.h"
 #include "Log.h"
 #include "MagnetDownload.h"
-#include "RtpStream.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,7 +33,7 @@ Playback::Playback(PlayerModel &model, PlayerWindow &window)
     , m_renderer(m_core, window)
 {
     m_magnetStream.install(m_core.handle());
-    RtpStream::install(m_core.handle());
+    m_rtpStream.install(m_core.handle());
     const PlayerStatus status = m_model.status();
     m_core.set("volume", static_cast<double>(status.volume));
     m_core.set("mute", status.mute);

@@ -9,6 +9,7 @@
 #include "PlayRequest.h"
 #include "PlayerModel.h"
 #include "Rewind.h"
+#include "RtpStream.h"
 
 #include <chrono>
 #include <memory>
@@ -69,7 +70,8 @@ private:
 
     PlayerModel &m_model;
     PlayerWindow &m_window;
-    MagnetStream m_magnetStream; // the core reads from it
+    MagnetStream m_magnetStream; // the core reads from both
+    RtpStream m_rtpStream;
     MpvCore m_core;
     FrameRenderer m_renderer;
     std::shared_ptr<MagnetDownload> m_magnet;

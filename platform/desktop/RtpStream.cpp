@@ -7,8 +7,6 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <mpv/stream_cb.h>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -26,94 +24,97 @@ constexpr std::string_view udpScheme = "udp";
 constexpr char scheme[] = "kavro-rtp";
 constexpr std::size_t largestPacket = 65536; // bytes
 
-// One opened stream; libmpv calls its functions, and cancels it from another thread.
-struct Reader
+struct Range
 {
-    Reader() = default;
-    Reader(const Reader &) = delete;
-    Reader &operator=(const Reader &) = delete;
-    ~Reader() { avio_closep(&io); }
-
-    AVIOContext *io = nullptr;
-    std::vector<unsigned char> packet;
-    std::size_t begin = 0; // of what is still to be read in the packet
+    std::size_t begin = 0;
     std::size_t end = 0;
-    std::atomic<bool> cancelled{false};
 };
-
-int isCancelled(void *reader)
-{
-    return static_cast<Reader *>(reader)->cancelled ? 1 : 0;
-}
 
 // Where the payload lies in a packet: behind a header of 12 bytes, a list of sources and an extension, before padding.
 // Nowhere when it is no packet of RTP.
-void findPayload(Reader &reader, std::size_t size)
+Range payloadOf(const std::vector<unsigned char> &packet, std::size_t size)
 {
-    const std::vector<unsigned char> &packet = reader.packet;
-    reader.begin = reader.end = 0;
     constexpr std::size_t header = 12;
     constexpr std::size_t word = 4;
     if (size < header || packet[0] >> 6 != 2)
-        return;
+        return {};
     std::size_t begin = header + word * (packet[0] & 0x0fU);
     if (packet[0] & 0x10U) {
         if (begin + word > size)
-            return;
+            return {};
         begin += word + word * (packet[begin + 2] * 256U + packet[begin + 3]);
     }
     const std::size_t padding = packet[0] & 0x20U ? packet[size - 1] : 0;
-    if (begin + padding < size) {
-        reader.begin = begin;
-        reader.end = size - padding;
-    }
-}
-
-std::int64_t readStream(void *cookie, char *buffer, std::uint64_t size)
-{
-    auto &reader = *static_cast<Reader *>(cookie);
-    while (reader.begin == reader.end) {
-        const int count = avio_read_partial(reader.io, reader.packet.data(), static_cast<int>(reader.packet.size()));
-        if (count <= 0)
-            return -1;
-        findPayload(reader, static_cast<std::size_t>(count));
-    }
-    const std::size_t count = std::min<std::size_t>(size, reader.end - reader.begin);
-    std::copy_n(reader.packet.begin() + static_cast<std::ptrdiff_t>(reader.begin), count, buffer);
-    reader.begin += count;
-    return static_cast<std::int64_t>(count);
-}
-
-void cancelStream(void *cookie)
-{
-    static_cast<Reader *>(cookie)->cancelled = true;
-}
-
-void closeStream(void *cookie)
-{
-    delete static_cast<Reader *>(cookie);
-}
-
-int openStream(void *, char *address, mpv_stream_cb_info *info)
-{
-    auto reader = std::make_unique<Reader>();
-    reader->packet.resize(largestPacket);
-    const std::string source = std::string(udpScheme) + std::strchr(address, ':');
-    const AVIOInterruptCB interrupt = {isCancelled, reader.get()};
-    if (avio_open2(&reader->io, source.c_str(), AVIO_FLAG_READ, &interrupt, nullptr) < 0)
-        return MPV_ERROR_LOADING_FAILED;
-    info->cookie = reader.release();
-    info->read_fn = readStream;
-    info->cancel_fn = cancelStream;
-    info->close_fn = closeStream;
-    return 0;
+    return begin + padding < size ? Range{begin, size - padding} : Range{};
 }
 
 } // namespace
 
+// One opened stream; libmpv calls its functions, and cancels it from another thread.
+struct RtpStream::Reader
+{
+    static int isCancelled(void *cookie) { return static_cast<Reader *>(cookie)->cancelled ? 1 : 0; }
+    static void cancel(void *cookie) { static_cast<Reader *>(cookie)->cancelled = true; }
+    static void close(void *cookie);
+    static std::int64_t read(void *cookie, char *buffer, std::uint64_t size);
+
+    AVIOContext *io = nullptr;
+    std::vector<unsigned char> packet;
+    Range rest; // of the packet, still to be read
+    std::atomic<bool> cancelled{false};
+};
+
+void RtpStream::Reader::close(void *cookie)
+{
+    auto &reader = *static_cast<Reader *>(cookie);
+    avio_closep(&reader.io);
+    std::vector<unsigned char>().swap(reader.packet);
+}
+
+std::int64_t RtpStream::Reader::read(void *cookie, char *buffer, std::uint64_t size)
+{
+    auto &reader = *static_cast<Reader *>(cookie);
+    Range &rest = reader.rest;
+    while (rest.begin == rest.end) {
+        const int count = avio_read_partial(reader.io, reader.packet.data(), static_cast<int>(reader.packet.size()));
+        if (count <= 0)
+            return -1;
+        rest = payloadOf(reader.packet, static_cast<std::size_t>(count));
+    }
+    const std::size_t count = std::min<std::size_t>(size, rest.end - rest.begin);
+    std::copy_n(reader.packet.begin() + static_cast<std::ptrdiff_t>(rest.begin), count, buffer);
+    rest.begin += count;
+    return static_cast<std::int64_t>(count);
+}
+
+RtpStream::RtpStream() = default;
+
+RtpStream::~RtpStream() = default;
+
+RtpStream::Reader &RtpStream::newReader()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_readers.emplace_back();
+}
+
+int RtpStream::open(void *self, char *address, mpv_stream_cb_info *info)
+{
+    Reader &reader = static_cast<RtpStream *>(self)->newReader();
+    const std::string source = std::string(udpScheme) + std::strchr(address, ':');
+    const AVIOInterruptCB interrupt = {Reader::isCancelled, &reader};
+    if (avio_open2(&reader.io, source.c_str(), AVIO_FLAG_READ, &interrupt, nullptr) < 0)
+        return MPV_ERROR_LOADING_FAILED;
+    reader.packet.resize(largestPacket);
+    info->cookie = &reader;
+    info->read_fn = Reader::read;
+    info->cancel_fn = Reader::cancel;
+    info->close_fn = Reader::close;
+    return 0;
+}
+
 void RtpStream::install(mpv_handle *core)
 {
-    const int result = mpv_stream_cb_add_ro(core, scheme, nullptr, openStream);
+    const int result = mpv_stream_cb_add_ro(core, scheme, this, open);
     if (result < 0)
         throw std::runtime_error(std::string("libmpv takes no packets from us: ") + mpv_error_string(result));
 }
