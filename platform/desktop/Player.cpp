@@ -49,7 +49,7 @@ void Player::post(PlayerThread::Task task)
 int Player::play(const PlayRequest &request)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_thread) {
+    if (!m_thread || m_thread->hasFailed()) {
         auto thread = std::make_shared<PlayerThread>(m_model, m_window);
         thread->start();
         m_thread = std::move(thread);

@@ -74,6 +74,12 @@ void PlayerThread::close()
         m_core->wakeUp();
 }
 
+bool PlayerThread::hasFailed()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_failed;
+}
+
 bool PlayerThread::waitForAll(std::chrono::milliseconds timeout)
 {
     std::unique_lock<std::mutex> lock(running().mutex);
@@ -112,6 +118,10 @@ void PlayerThread::run()
         }
     } catch (const std::exception &exception) {
         log("player " + std::to_string(m_model->id()) + ": " + exception.what());
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_failed = true;
+        }
         m_model->change([](PlayerStatus &status) {
             status.reset(KVR_PLAYER_ERROR);
             return KVR_OK;

@@ -30,6 +30,9 @@ public:
     /// Has the thread end by itself, as soon as what it plays lets go. Never waits.
     void close();
 
+    /// Whether the thread has ended because it could not go on. What is posted is then done by nobody.
+    bool hasFailed();
+
     /// Waits until no such thread is left in the process. False when some still run after timeout.
     static bool waitForAll(std::chrono::milliseconds timeout);
 
@@ -57,6 +60,7 @@ private:
     std::vector<Task> m_tasks;
     MpvCore *m_core = nullptr;
     bool m_closing = false;
+    bool m_failed = false;
 };
 
 } // namespace Desk

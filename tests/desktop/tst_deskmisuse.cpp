@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <climits>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <vector>
 
@@ -46,6 +47,8 @@ private slots:
     void subtitlesThatCannotBeReadDoNotHinderTheFilm_data();
     void subtitlesThatCannotBeReadDoNotHinderTheFilm();
     void longTextsAreErrors();
+    void aPlayerThatFindsNoFilesLeftPlaysLater_data();
+    void aPlayerThatFindsNoFilesLeftPlaysLater();
     void aPlayerThatPlaysPlaysAgainAHundredTimes();
     void aHandlerMayCloseAPlayerThatPlays();
     void manyPlayersPlayAtOnce();
@@ -192,6 +195,32 @@ void TestDeskMisuse::longTextsAreErrors()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ERROR));
     QCOMPARE(KVR_PlayMagnet(m_id, "magnet:?xt=" + text, text, 0, 0, 0, 0, -1, -1, -1), int(KVR_OK));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ERROR));
+}
+
+void TestDeskMisuse::aPlayerThatFindsNoFilesLeftPlaysLater_data()
+{
+    QTest::addColumn<bool>("magnet");
+    QTest::newRow("for a film") << false;
+    QTest::newRow("for a session of torrents") << true;
+}
+
+void TestDeskMisuse::aPlayerThatFindsNoFilesLeftPlaysLater()
+{
+    QFETCH(bool, magnet);
+    rlimit limit = {};
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit noMore = {3, limit.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &noMore), 0);
+    if (magnet)
+        KVR_PlayMagnet(m_id, "magnet:?xt=urn:btih:0123456789abcdef0123456789abcdef01234567", "", 0, 0, 0, 0, -1, -1,
+                       -1);
+    else
+        playFile(m_id, bars);
+    const bool failed = QTest::qWaitFor([this] { return KVR_GetPlayerState(m_id) == KVR_PLAYER_ERROR; });
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    QVERIFY(failed);
+    playFile(m_id, bars);
+    checkPlaying();
 }
 
 void TestDeskMisuse::aPlayerThatPlaysPlaysAgainAHundredTimes()
