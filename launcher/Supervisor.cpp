@@ -12,8 +12,10 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <algorithm>
 #include <csignal>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -21,6 +23,17 @@ namespace {
 const int timeBetweenSignals = 200; // ms
 const int longestEnd = 10000;       // ms, of a page whose script does not let the box end
 const int inBoxFailed = 125;
+const rlim_t stackSize = 256 << 20; // bytes
+
+// The web engine goes down the elements of a page one in the other, and a script can nest any number of them.
+void enlargeStack()
+{
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur >= stackSize)
+        return;
+    limit.rlim_cur = std::min(stackSize, limit.rlim_max);
+    setrlimit(RLIMIT_STACK, &limit);
+}
 
 } // namespace
 
@@ -31,6 +44,7 @@ void Supervisor::Process::setupChildProcess()
     setpgid(0, 0);
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signalNumber, SIG_IGN);
+    enlargeStack();
 }
 
 Supervisor::Supervisor()

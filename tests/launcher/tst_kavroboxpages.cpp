@@ -3,6 +3,7 @@
 
 #include "DeskBoxTest.h"
 
+#include <QFile>
 #include <QImage>
 #include <QTest>
 #include <QXmlStreamReader>
@@ -30,6 +31,7 @@ private slots:
     void tracingLastsForOneRun();
     void theModelIsTheOneGiven();
     void theOutputIsThePluginsAlone();
+    void thereIsStackForDeeplyNestedElements();
 
 private:
     /// The script of a page of another server that tells its address and leaves.
@@ -150,6 +152,17 @@ void TestKavroBoxPages::theOutputIsThePluginsAlone()
     QCOMPARE(m_program->output(), QByteArray("debugПривет\n"));
     QCOMPARE(m_program->errors().count("kavro-box: "), 1);
     QVERIFY2(m_program->errors().contains("Привет"), m_program->errors().constData());
+}
+
+// Laying out as many as would exceed the usual one takes longer than a test may.
+void TestKavroBoxPages::thereIsStackForDeeplyNestedElements()
+{
+    const QString script = m_box + "/usr/local/bin/custom/stack";
+    QVERIFY(writeFile(script, "#!/bin/sh\nulimit -s\n"));
+    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
+    m_server->serve("/stack", page("tell(StbDisplay.ExecBlocking('stack', '').stdout[0]); leave();"));
+    QCOMPARE(run({m_server->url("/stack").toString()}), 0);
+    QCOMPARE(told(), QStringList("262144"));
 }
 
 QTEST_GUILESS_MAIN(TestKavroBoxPages)
