@@ -25,6 +25,7 @@ const char script[] = R"js(
     var create = Object.create;
     var DateObject = Date;
     var RangeErrorObject = RangeError;
+    var TypeErrorObject = TypeError;
     var longestList = 100000;
 
     // A page can have an object pose as one of another class. A reader of the wrong class throws, and what it poses as
@@ -99,6 +100,25 @@ const char script[] = R"js(
         };
     }
 
+    // A signal's functions connect and disconnect. The engine looks for the member even of a receiver that is null.
+    function withReceiver(signal, action) {
+        return function (receiver) {
+            if (arguments.length > 1 && receiver === null)
+                throw new TypeErrorObject('The receiver of a signal cannot be null');
+            return apply(action, signal, arguments);
+        };
+    }
+
+    function guardedSignal(target, signal) {
+        var guard = function () { return apply(signal, target, arguments); };
+        define(guard, 'connect', {value: withReceiver(signal, signal.connect)});
+        define(guard, 'disconnect', {value: withReceiver(signal, signal.disconnect)});
+        return guard;
+    }
+
+    var isSignal = create(null);
+    isSignal.destroyed = isSignal.objectNameChanged = isSignal.jsCallback = isSignal.keyDelayChanged = true;
+
     // By object and slot: which argument is made safe and how, or what is called in place of the slot.
     var guards = {
         StbMedia: {PlayFile: [5, variant]},
@@ -113,6 +133,8 @@ const char script[] = R"js(
         var method = target[name];
         if (rule)
             method = typeof rule === 'function' ? rule : guarded(target, method, rule[0], rule[1]);
+        else if (isSignal[slot])
+            method = guardedSignal(target, method);
         define(guard.object, name, {value: method, enumerable: isListed});
     }
 

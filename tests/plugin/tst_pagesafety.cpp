@@ -96,6 +96,8 @@ private slots:
     void eventHandlersMayHaveAnyValue_data();
     void eventHandlersMayHaveAnyValue();
     void signalsDoNotReachPagesThatAreGone();
+    void signalsAreConnectedToNothingElse_data();
+    void signalsAreConnectedToNothingElse();
     void dialogsShowNoMoreThanFits_data();
     void dialogsShowNoMoreThanFits();
     void guardsWorkOnInALoop_data();
@@ -295,6 +297,52 @@ void TestPageSafety::signalsDoNotReachPagesThatAreGone()
     QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray());
+}
+
+void TestPageSafety::signalsAreConnectedToNothingElse_data()
+{
+    QTest::addColumn<QString>("receiver");
+    for (const char *receiver : {"",
+                                 "null",
+                                 "undefined",
+                                 "1",
+                                 "'x'",
+                                 "{}",
+                                 "new Date(NaN)",
+                                 "Symbol('s')",
+                                 "StbMedia",
+                                 "null, null",
+                                 "null, {}",
+                                 "null, function () {}",
+                                 "null, 'x'",
+                                 "null, new Date(NaN)",
+                                 "undefined, Symbol('s')",
+                                 "1, StbMedia",
+                                 "'x', {}",
+                                 "true, []",
+                                 "{}, {}",
+                                 "{}, null",
+                                 "{}, 'x'",
+                                 "{}, Symbol('s')",
+                                 "{}, new Date(NaN)",
+                                 "StbMedia, 'x'",
+                                 "StbMedia, {}",
+                                 "Object.create(null), {toString: function () { throw 1; }}",
+                                 "window, window",
+                                 "document, 'body'"})
+        QTest::newRow(receiver) << receiver;
+}
+
+void TestPageSafety::signalsAreConnectedToNothingElse()
+{
+    QFETCH(const QString, receiver);
+    for (const char *signal : {"StbDisplay.keyDelayChanged", "StbMedia.jsCallback", "stb_media['jsCallback(QString)']",
+                               "StbPVR.destroyed", "stb_display.objectNameChanged"}) {
+        for (const char *action : {"connect", "disconnect"}) {
+            const QString refused = result(QString("%1.%2(%3)").arg(signal, action, receiver));
+            QVERIFY2(refused.startsWith("throws "), qPrintable(refused));
+        }
+    }
 }
 
 void TestPageSafety::dialogsShowNoMoreThanFits_data()
