@@ -53,6 +53,7 @@ void Playback::open(const PlayRequest &request, unsigned number)
     m_request = request;
     m_number = number;
     m_active = true;
+    m_from = request.start;
     m_complaints.clear();
     m_explained = false;
     m_progress = request.time;
@@ -156,6 +157,7 @@ void Playback::seek(long long position)
         m_rewind.start(-m_model.status().speed, position);
     m_seeking = true;
     madeProgress();
+    m_from = static_cast<double>(position) / 1000;
     seekCore(position);
 }
 

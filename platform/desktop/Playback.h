@@ -94,6 +94,7 @@ private:
     bool m_explained = false; // by the library that meets the network
     std::string m_failure;    // why the core has given up
     std::string m_group;      // multicast group that was joined
+    double m_from = 0;        // seconds, where playing began or was last sent to
     double m_duration = 0;    // seconds
     bool m_seekable = false;
     bool m_partlySeekable = false; // within what is buffered, as live streams are

@@ -28,7 +28,7 @@ constexpr double longestWait = 0.1; // seconds
 constexpr std::size_t mostComplaints = 300;
 
 // What comes to its end this much before its duration was cut off.
-constexpr long long earlyEnd = 3000; // milliseconds
+constexpr double earlyEnd = 3; // seconds
 
 double number(const mpv_event_property &property)
 {
@@ -306,9 +306,10 @@ void Playback::updateState()
 void Playback::reachEnd()
 {
     const PlayerStatus status = m_model.status();
-    // Only pictures have a duration that is known for sure. One may have begun beyond it.
-    const bool early =
-        status.videoPid >= 0 && status.position + earlyEnd < toMilliseconds(m_duration) && m_request.start < m_duration;
+    // Beyond the end, the core reports no position.
+    const double reached = std::max(static_cast<double>(status.position) / 1000, m_from);
+    // Only pictures have a duration that is known for sure.
+    const bool early = status.videoPid >= 0 && reached + earlyEnd < m_duration;
     if (!m_started)
         fail("there is nothing to play in it");
     else if (early && status.request == m_number)
