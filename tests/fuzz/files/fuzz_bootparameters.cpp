@@ -9,19 +9,23 @@
 
 namespace {
 
-std::string content; // of the file
+std::string &content()
+{
+    static std::string text; // of the file
+    return text;
+}
 
 } // namespace
 
 // In place of the disk and the log.
 std::string Desk::readFile(const std::string &)
 {
-    return content;
+    return content();
 }
 
 bool Desk::writeDurably(const std::string &, const std::string &newContent)
 {
-    content = newContent;
+    content() = newContent;
     return true;
 }
 
@@ -33,7 +37,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const std::string input(reinterpret_cast<const char *>(data), size);
     const std::size_t end = input.rfind('\n') + 1;
     const std::string key = input.substr(end);
-    content = input.substr(0, end);
+    content() = input.substr(0, end);
 
     Desk::EventRegistry events;
     Desk::BootParameters parameters(events);
