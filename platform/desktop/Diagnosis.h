@@ -8,7 +8,7 @@
 namespace Desk {
 
 /// Why an address cannot be opened: tries it once more, for two seconds at most. Empty when that leads to no error.
-/// libmpv tells only its first core what FFmpeg says, and of the others only that they fail.
+/// What FFmpeg says reaches only libmpv's first core, whichever core it is about.
 std::string diagnose(const std::string &address);
 
 } // namespace Desk

@@ -55,7 +55,6 @@ void Playback::open(const PlayRequest &request, unsigned number)
     m_active = true;
     m_from = request.start;
     m_complaints.clear();
-    m_explained = false;
     m_progress = request.time;
     if (request.kind == PlayRequest::Magnet) {
         m_magnet = std::make_shared<MagnetDownload>(request.address, request.torrentFile);

@@ -91,7 +91,6 @@ private:
     Rewind m_rewind;
     bool m_rewindSeeking = false;
     std::string m_complaints; // of the core about the present request
-    bool m_explained = false; // by the library that meets the network
     std::string m_failure;    // why the core has given up
     std::string m_group;      // multicast group that was joined
     double m_from = 0;        // seconds, where playing began or was last sent to

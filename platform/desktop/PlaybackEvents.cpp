@@ -62,8 +62,9 @@ void Playback::work()
     // The core tells the reason of a failure in its log, which may come after the failure itself.
     if (m_failing) {
         const bool remote = m_request.kind != PlayRequest::File && m_request.kind != PlayRequest::Magnet;
-        if (remote && !m_explained)
-            m_complaints = diagnose(m_request.address);
+        const std::string reason = remote ? diagnose(m_request.address) : std::string();
+        if (!reason.empty())
+            m_complaints = reason;
         fail(m_failure);
     }
     if (m_active)
@@ -108,7 +109,9 @@ void Playback::handle(const mpv_event &event)
 
 void Playback::handleComplaint(const mpv_event_log_message &message)
 {
-    m_explained = m_explained || std::strncmp(message.prefix, "ffmpeg", 6) == 0;
+    // The library that meets the network tells one core of what happens to all.
+    if (std::strncmp(message.prefix, "ffmpeg", 6) == 0)
+        return;
     std::string text = message.text;
     text.erase(text.find_last_not_of('\n') + 1);
     if (m_started || m_complaints.size() > mostComplaints || m_complaints.find(text) != std::string::npos)
