@@ -15,7 +15,8 @@ struct PlayRequest
     enum Kind { File, Stream, Http, Rtsp, Magnet };
 
     Kind kind = File;
-    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now(); ///< when it was asked
+    /// When it was asked.
+    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
     std::string address;              ///< path, URL or magnet link
     std::vector<std::string> headers; ///< of HTTP requests, "Name: value"
     std::string subtitles;            ///< path of a subtitle file, or empty
