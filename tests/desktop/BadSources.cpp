@@ -5,21 +5,9 @@
 #include "LiveSource.h"
 #include "TestMedia.h"
 
-#include <QFile>
+#include "tests/support/BoxFile.h"
 
 namespace {
-
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
 
 QByteArray loopback(const char *scheme, int port, const char *rest = "")
 {
@@ -37,12 +25,12 @@ bool BadSources::prepare()
     if (!TestMedia::makeBars(bars, 6)
         || !TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-movflags", "faststart", whole}))
         return false;
-    const QByteArray film = contentOf(whole);
-    const QByteArray stream = contentOf(bars);
+    const QByteArray film = boxFile(whole);
+    const QByteArray stream = boxFile(bars);
     const QByteArray garbage = QByteArray("\x13\x99garbage\0\xfe\x01", 12).repeated(20000);
-    if (!writeFile("/mnt/stb/cut.mp4", film.left(film.size() / 3)) || !writeFile("/mnt/stb/garbage.ts", garbage)
-        || !writeFile("/mnt/stb/empty.ts", {}))
-        return false;
+    writeBoxFile("/mnt/stb/cut.mp4", film.left(film.size() / 3));
+    writeBoxFile("/mnt/stb/garbage.ts", garbage);
+    writeBoxFile("/mnt/stb/empty.ts", {});
 
     m_server.serve("/stalled.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, stream.size() / 6});
     m_server.serve("/stalled-early.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, 1000});

@@ -6,11 +6,11 @@
 
 #include "platform/desktop/DeskBox.h"
 
+#include "tests/support/BoxFile.h"
 #include "tests/support/HttpServer.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTest>
 
@@ -40,12 +40,6 @@ QByteArray bootParameter(const char *key)
     buffer.fill('x');
     KVR_GetBootParamValue(key, buffer.data());
     return QByteArray(buffer.data());
-}
-
-QByteArray contentOf(const char *name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // What the child process of the kill test does: two parameters that always go together, over and over.
@@ -148,7 +142,7 @@ void TestDeskDevice::synchronisingSaysSoWhenTheFileIsThere()
     const DeskEvents events(KVR_BOX);
     KVR_SetBootParamValue("buf_time_http", "1234");
     QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
-    QVERIFY(contentOf(bootParameters).contains("buf_time_http=1234\n"));
+    QVERIFY(boxFile(bootParameters).contains("buf_time_http=1234\n"));
     QTRY_COMPARE(DeskEvents::count(KVR_EVENT_SYNC_DONE), 1);
     QCOMPARE(DeskEvents::of(KVR_EVENT_SYNC_DONE).constFirst().argument, int(KVR_BOX));
 }
@@ -159,13 +153,13 @@ void TestDeskDevice::aKillLeavesTheOldOrTheNewParameters()
         QProcess writer;
         writer.start(QCoreApplication::applicationFilePath(), {storeForever});
         QVERIFY(writer.waitForStarted());
-        const QByteArray before = contentOf(bootParameters);
-        QTRY_VERIFY_WITH_TIMEOUT(contentOf(bootParameters) != before, 20000);
+        const QByteArray before = boxFile(bootParameters);
+        QTRY_VERIFY_WITH_TIMEOUT(boxFile(bootParameters) != before, 20000);
         QTest::qWait(i); // at another point of its work each time
         writer.kill();
         QVERIFY(writer.waitForFinished());
 
-        const QByteArray content = contentOf(bootParameters);
+        const QByteArray content = boxFile(bootParameters);
         QVERIFY(content.endsWith('\n'));
         const int begin = content.indexOf("hdmi_config=");
         QVERIFY(begin >= 0);
@@ -201,7 +195,7 @@ void TestDeskDevice::aWholeImageIsInstalled()
     const ErrorOutput log;
     QCOMPARE(KVR_UpgradeFirmware(server.url("/image.bin").toEncoded()), int(KVR_OK));
     QTRY_VERIFY(log.text().contains(" done"));
-    QCOMPARE(contentOf(image), firmware);
+    QCOMPARE(boxFile(image), firmware);
     QCOMPARE(log.text().count('\n'), 2);
     QCOMPARE(QDir("/home/user/firmware").entryList(QDir::Files), QStringList("image"));
 }
@@ -223,14 +217,14 @@ void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled()
 {
     QFETCH(QByteArray, answer);
     QFETCH(QString, reason);
-    const QByteArray before = contentOf(image);
+    const QByteArray before = boxFile(image);
     QVERIFY(!before.isEmpty());
     const RawServer server(answer);
     const ErrorOutput log;
     QCOMPARE(KVR_UpgradeFirmware(server.url().toUtf8()), int(KVR_OK));
     QTRY_VERIFY(log.text().contains(" failed: "));
     QVERIFY2(log.text().contains(reason), qPrintable(log.text()));
-    QCOMPARE(contentOf(image), before);
+    QCOMPARE(boxFile(image), before);
     QCOMPARE(QDir("/home/user/firmware").entryList(QDir::Files), QStringList("image"));
 }
 

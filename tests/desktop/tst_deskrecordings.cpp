@@ -8,6 +8,7 @@
 
 #include "launcher/PageServer.h"
 
+#include "tests/support/BoxFile.h"
 #include "tests/support/HttpServer.h"
 
 #include <QCoreApplication>
@@ -37,12 +38,6 @@ constexpr int diskSize = 300000;
 uint32_t now()
 {
     return static_cast<uint32_t>(std::time(nullptr));
-}
-
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QString inStorage(const QByteArray &name)
@@ -329,7 +324,7 @@ void TestDeskRecordings::cleaningUpRemovesTheFilesOfThoseThatFailed()
 {
     HttpServer server;
     server.serve("/garbage", HttpServer::Page{QByteArray("garbage\n").repeated(10000), "video/mp2t"});
-    server.serve("/bars.ts", HttpServer::Page{contentOf(bars), "video/mp2t"});
+    server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
     const KVR_ID failed = KVR_AddRecord(server.url("/garbage").toEncoded(), "films/failed.ts", 0, 60);
     const KVR_ID existing = KVR_AddRecord(server.url("/bars.ts").toEncoded(), "web/bars.ts", 0, 60);
     const KVR_ID done = KVR_AddRecord(server.url("/bars.ts").toEncoded(), "done.ts", 0, 2);
@@ -359,7 +354,7 @@ void TestDeskRecordings::aFileThatIsAnothersByNowIsKept()
 {
     HttpServer server;
     server.serve("/garbage", HttpServer::Page{QByteArray("garbage\n").repeated(10000), "video/mp2t"});
-    server.serve("/bars.ts", HttpServer::Page{contentOf(bars), "video/mp2t"});
+    server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
     const KVR_ID failed = KVR_AddRecord(server.url("/garbage").toEncoded(), "name.ts", 0, 60);
     QTRY_COMPARE(KVR_GetRecordStatus(failed), int(KVR_RECORD_FAILED));
     QVERIFY(QFile::remove("/mnt/stb/name.ts"));

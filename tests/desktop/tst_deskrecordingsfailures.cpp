@@ -7,6 +7,7 @@
 #include "RecordedFile.h"
 #include "TestMedia.h"
 
+#include "tests/support/BoxFile.h"
 #include "tests/support/HttpServer.h"
 
 #include <QDir>
@@ -23,18 +24,6 @@ constexpr char bars[] = "/mnt/stb/web/bars.ts";
 constexpr char precious[] = "/home/user/precious"; // a folder outside the storage
 constexpr char treasure[] = "what was there before";
 constexpr int longestFailure = 20000; // milliseconds
-
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
 
 QStringList entriesOf(const QString &folder)
 {
@@ -88,13 +77,13 @@ void TestDeskRecordingsFailures::prepareSources()
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-i", film, "-map", "1", "-c", "copy", QString(web) + "/film.mkv"}));
     QVERIFY(TestMedia::makeSubtitles(QString(web) + "/text.srt", "text"));
 
-    const QByteArray stream = contentOf(bars);
+    const QByteArray stream = boxFile(bars);
     m_server.serve("/bars.ts", HttpServer::Page{stream, "video/mp2t"});
     m_server.serve("/garbage", HttpServer::Page{QByteArray("garbage\n").repeated(10000), "video/mp2t"});
     m_server.serve("/nothing", HttpServer::Page{"", "video/mp2t"});
-    m_server.serve("/text.srt", HttpServer::Page{contentOf(QString(web) + "/text.srt"), "text/plain"});
+    m_server.serve("/text.srt", HttpServer::Page{boxFile(QString(web) + "/text.srt"), "text/plain"});
     m_server.serve("/stalled.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, stream.size() / 2});
-    const QByteArray matroska = contentOf(QString(web) + "/film.mkv");
+    const QByteArray matroska = boxFile(QString(web) + "/film.mkv");
     m_server.serve("/cut.mkv", HttpServer::Page{matroska.left(matroska.size() / 3), "video/x-matroska"});
     m_server.serve("/box.m3u8",
                    HttpServer::Page{"#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\nfile://" + QByteArray(bars)
@@ -105,7 +94,7 @@ void TestDeskRecordingsFailures::prepareSources()
     m_refusing.refuse();
     m_endingTransportStream =
         std::make_unique<RawServer>(RawServer::cutOff(stream.left(stream.size() / 2), stream.size()));
-    const QByteArray whole = contentOf(film);
+    const QByteArray whole = boxFile(film);
     m_endingFilm = std::make_unique<RawServer>(RawServer::cutOff(whole.left(whole.size() / 2), whole.size()));
     m_endless = std::make_unique<RawServer>("HTTP/1.0 200 OK\r\nContent-Type: video/mp2t\r\nConnection: close\r\n\r\n"
                                             + stream.left(stream.size() / 2));
@@ -119,8 +108,8 @@ void TestDeskRecordingsFailures::initTestCase()
     if (QTest::currentTestFailed())
         return;
     QVERIFY(QDir().mkpath(precious));
-    QVERIFY(writeFile(QString(precious) + "/file.ts", treasure));
-    QVERIFY(writeFile("/mnt/stb/existing.ts", treasure));
+    writeBoxFile(QString(precious) + "/file.ts", treasure);
+    writeBoxFile("/mnt/stb/existing.ts", treasure);
     QVERIFY(QDir().mkpath("/mnt/stb/folder"));
     QVERIFY(QFile::link(precious, "/mnt/stb/way-out"));
     QVERIFY(QFile::link(QString(precious) + "/file.ts", "/mnt/stb/link.ts"));
@@ -194,8 +183,8 @@ void TestDeskRecordingsFailures::aRecordingThatCannotBeMadeSaysWhy()
 void TestDeskRecordingsFailures::whatIsNotItsOwnIsNeverTouched()
 {
     QCOMPARE(entriesOf(precious), QStringList("file.ts"));
-    QCOMPARE(contentOf(QString(precious) + "/file.ts"), QByteArray(treasure));
-    QCOMPARE(contentOf("/mnt/stb/existing.ts"), QByteArray(treasure));
+    QCOMPARE(boxFile(QString(precious) + "/file.ts"), QByteArray(treasure));
+    QCOMPARE(boxFile("/mnt/stb/existing.ts"), QByteArray(treasure));
     QCOMPARE(entriesOf("/mnt/stb/folder"), QStringList());
     QVERIFY(!QFile::exists("/mnt/stbs"));
     QVERIFY(!QFile::exists("/mnt/stb/films"));

@@ -8,6 +8,7 @@
 
 #include "launcher/PageServer.h"
 
+#include "tests/support/BoxFile.h"
 #include "tests/support/HttpServer.h"
 
 #include <QDir>
@@ -118,10 +119,7 @@ void TestDeskRecordingsSources::initTestCase()
     makeMedia();
     if (QTest::currentTestFailed())
         return;
-    const auto contentOf = [](const char *name) {
-        QFile file(QString(web) + '/' + name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
+    const auto contentOf = [](const char *name) { return boxFile(QString(web) + '/' + name); };
     QVERIFY(m_folder.start(web, 0));
     m_plain.serve("/bars.ts", HttpServer::Page{contentOf("bars.ts"), "video/mp2t"});
     m_plain.serve("/both.ts", HttpServer::Page{contentOf("bars.ts") + contentOf("other.ts"), "video/mp2t"});

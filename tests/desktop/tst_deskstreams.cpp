@@ -6,11 +6,11 @@
 
 #include "launcher/PageServer.h"
 
+#include "tests/support/BoxFile.h"
 #include "tests/support/HttpServer.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTest>
 
 #include <algorithm>
@@ -25,12 +25,6 @@ constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char web[] = "/mnt/stb/web";
 constexpr int barsSeconds = 12;
 constexpr double framesPerSecond = 25;
-
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // Counts the frames that each player shows, for as long as it lives.
 class FrameCounter
@@ -116,7 +110,7 @@ void TestDeskStreams::cleanup()
 void TestDeskStreams::httpSendsTheHeadersOfTheOptions()
 {
     HttpServer server;
-    server.serve("/bars.ts", HttpServer::Page{contentOf(bars), "video/mp2t"});
+    server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
     const QByteArray url = server.url("/bars.ts").toEncoded();
     QCOMPARE(KVR_PlayHttp(m_id, url, "User-Agent: Box/1.0, of a desk\r\nX-Token: a%2Fb,c=d\n", -1, -1, -1),
              int(KVR_OK));
@@ -153,7 +147,7 @@ void TestDeskStreams::httpPlaysAPlaylistOfSegments()
 void TestDeskStreams::httpFollowsARedirect()
 {
     HttpServer server;
-    server.serve("/bars.ts", HttpServer::Page{contentOf(bars), "video/mp2t"});
+    server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
     server.redirect("/moved", server.url("/bars.ts"));
     KVR_PlayHttp(m_id, server.url("/moved").toEncoded(), "", -1, -1, -1);
     QVERIFY(comesToPlay(m_id));
