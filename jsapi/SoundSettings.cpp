@@ -20,8 +20,6 @@ const char settingsPath[] = "/home/user/config/config_files/qtstbapi.conf";
 const char volumeKey[] = "volume/volumeValue";
 const char muteKey[] = "volume/mute";
 
-// The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
-// one tick of the clock leave so. A copy under a new name is read in any case.
 // QSettings makes objects of any type and size of entries with escapes or of this type. Those of this file are numbers.
 QByteArray plainEntries()
 {
@@ -36,6 +34,8 @@ QByteArray plainEntries()
     return entries;
 }
 
+// The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
+// one tick of the clock leave so. A copy under a new name is read in any case.
 QVariant value(const char *key)
 {
     QTemporaryFile copy;
