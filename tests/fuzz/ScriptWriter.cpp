@@ -101,7 +101,7 @@ QString ScriptWriter::expanded(const QString &form, Writing writing) const
     int end = 0;
     for (auto match = place.match(form); match.hasMatch(); match = place.match(form, end)) {
         const QString name = match.captured(1);
-        result += form.mid(end, match.capturedStart() - end);
+        result += form.midRef(end, match.capturedStart() - end);
         end = match.capturedEnd();
         if (name == "object") {
             result += anyOf(m_objects, writing.random);
