@@ -4,6 +4,7 @@
 #include "browser/KavroStbBrowser.h"
 
 #include "browser/AddressDialog.h"
+#include "browser/CaBundle.h"
 #include "browser/DeleteGuard.h"
 #include "browser/EventNotifier.h"
 #include "browser/JsApiTracer.h"
@@ -29,8 +30,7 @@
 #include <QKeyEvent>
 #include <QNetworkReply>
 #include <QShortcut>
-#include <QSslCertificate>
-#include <QSslSocket>
+#include <QSslError>
 #include <QTextStream>
 #include <QTimer>
 #include <QWebFrame>
@@ -47,7 +47,6 @@
 
 namespace {
 
-const char caBundle[] = "/etc/ssl/certs/ca-bundle.crt";
 const char debugFileDirectory[] = "/etc";
 const char debugFile[] = "/etc/stbjsapi_debug";
 const char pageDump[] = "/tmp/page.html";
@@ -90,7 +89,7 @@ KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     , lastKey(0)
     , keyDelay(0)
 {
-    QSslSocket::setDefaultCaCertificates(QSslCertificate::fromPath(QLatin1String(caBundle)));
+    caBundle = new CaBundle(this);
     watchDebugFile();
     setUpWebSettings();
     addShortcuts();
@@ -165,7 +164,7 @@ void KavroStbBrowser::createPage()
     settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
     setPage(new UserAgentWebPage(this));
     settings->setLocalStoragePath(storagePath);
-    StbWebNam *network = new StbWebNam(this);
+    StbWebNam *network = new StbWebNam(this, caBundle);
     page()->setNetworkAccessManager(network);
     connect(network, SIGNAL(sslErrors(QNetworkReply *, QList<QSslError>)),
             SLOT(sslErrorHandler(QNetworkReply *, QList<QSslError>)));

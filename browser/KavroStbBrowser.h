@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <QWebView>
 
+class CaBundle;
 class PageEvents;
 class RecordTimes;
 class QFileSystemWatcher;
@@ -79,8 +80,9 @@ private:
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
     QObjectList scriptObjects; ///< the five objects
-    PageEvents *pageEvents;    ///< of the current page; null before the first
-    QString jsCallbackCode;    ///< script to run after each platform event
+    CaBundle *caBundle;
+    PageEvents *pageEvents; ///< of the current page; null before the first
+    QString jsCallbackCode; ///< script to run after each platform event
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress
     QUrl errorPageUrl;

@@ -5,14 +5,20 @@
 
 #include <QNetworkAccessManager>
 
+class CaBundle;
+
 /// The page's network access: every request is held to the TLS that the operators' servers speak.
 class StbWebNam : public QNetworkAccessManager
 {
     Q_OBJECT
 
 public:
-    explicit StbWebNam(QObject *parent);
+    /// bundle: what is waited for before the default certificates are used.
+    explicit StbWebNam(QObject *parent, CaBundle *bundle = nullptr);
 
 protected:
     QNetworkReply *createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData) override;
+
+private:
+    CaBundle *const bundle;
 };

@@ -11,6 +11,7 @@ add_library(kavrostbbrowser MODULE
     shell/StbInterface.h
     shell/VerificationData.cpp
     browser/AddressDialog.cpp
+    browser/CaBundle.cpp
     browser/DeleteGuard.cpp
     browser/EventNotifier.cpp
     browser/JsApiTracer.cpp

@@ -175,7 +175,7 @@ void TestNetwork::theCertificatesAreThoseOfTheBox()
     {
         HostedPlugin plugin;
         QVERIFY(plugin.start());
-        QCOMPARE(QSslConfiguration::defaultConfiguration().caCertificates(), QList<QSslCertificate>());
+        QTRY_COMPARE(QSslConfiguration::defaultConfiguration().caCertificates(), QList<QSslCertificate>());
     }
 
     QFile file(bundle);
@@ -184,8 +184,8 @@ void TestNetwork::theCertificatesAreThoseOfTheBox()
     file.close();
     HostedPlugin plugin;
     QVERIFY(plugin.start());
-    QCOMPARE(QSslConfiguration::defaultConfiguration().caCertificates(),
-             QList<QSslCertificate>({all.first(), all.last()}));
+    QTRY_COMPARE(QSslConfiguration::defaultConfiguration().caCertificates(),
+                 QList<QSslCertificate>({all.first(), all.last()}));
 }
 
 void TestNetwork::historyDoesNotChangeThePage_data()
