@@ -14,6 +14,7 @@
 #include <QDebug>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QSslSocket>
 #include <QWebInspector>
 #include <QWebPage>
 #include <QWebSettings>
@@ -129,6 +130,9 @@ void PluginWrapper::setFullPath(const QString &path)
     if (!manifest->valid)
         qWarning() << "Malformed Manifest";
     QTimer::singleShot(startDelay, this, SLOT(runApplication()));
+    // The time until then is used for what the engine and the network set up once.
+    QWebSettings::globalSettings();
+    QSslSocket::supportsSsl();
 }
 
 void PluginWrapper::runApplication()
