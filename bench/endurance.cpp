@@ -25,7 +25,7 @@ constexpr int samplesPerLow = 5;
 constexpr int warmUpPart = 4;
 constexpr double standardErrors = 3;
 constexpr double negligible = 1 * megabyte; // in a whole loop
-constexpr double vague = 0.05;              // of the memory: what goes up and down so much tells nothing
+constexpr double vague = 0.1;               // of the memory: what goes up and down so much tells nothing
 
 struct Loop
 {
