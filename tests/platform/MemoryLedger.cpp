@@ -73,7 +73,7 @@ MemoryLedger &MemoryLedger::instance()
     return *ledger;
 }
 
-void *MemoryLedger::allocate(const char *function, std::size_t size, bool libraryOwned)
+void *MemoryLedger::allocate(const char *function, std::size_t size, bool platformOwned)
 {
     watchFrees();
     void *address = std::malloc(size);
@@ -85,7 +85,7 @@ void *MemoryLedger::allocate(const char *function, std::size_t size, bool librar
     lowest = std::min(lowest.load(), number);
     highest = std::max(highest.load(), number);
     m_byAddress[address] = m_blocks.size();
-    m_blocks.push_back({address, function, libraryOwned, 0});
+    m_blocks.push_back({address, function, platformOwned, 0});
     return address;
 }
 
@@ -102,11 +102,11 @@ QByteArrayList MemoryLedger::faults() const
     QByteArrayList lines;
     for (const Block &block : m_blocks) {
         const QByteArray function = block.function;
-        if (block.libraryOwned && block.frees > 0)
+        if (block.platformOwned && block.frees > 0)
             lines += function + ": freed, but the library's own";
-        else if (!block.libraryOwned && block.frees == 0)
+        else if (!block.platformOwned && block.frees == 0)
             lines += function + ": never freed";
-        else if (!block.libraryOwned && block.frees > 1)
+        else if (!block.platformOwned && block.frees > 1)
             lines += function + ": freed " + QByteArray::number(block.frees) + " times";
     }
     return lines;
@@ -121,7 +121,7 @@ void MemoryLedger::reset()
     for (const Block &block : m_blocks) {
         if (block.frees > 0)
             release(block.address);
-        else if (block.libraryOwned)
+        else if (block.platformOwned)
             std::free(block.address);
     }
     m_blocks.clear();

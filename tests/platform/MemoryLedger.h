@@ -18,7 +18,7 @@ public:
     static MemoryLedger &instance();
 
     /// A block from malloc that the caller of function has to free, or must not free when it stays the library's.
-    void *allocate(const char *function, std::size_t size, bool libraryOwned = false);
+    void *allocate(const char *function, std::size_t size, bool platformOwned = false);
     int blocksHandedOut() const;
     QByteArrayList faults() const;
     /// Forgets all blocks. Blocks that should have been freed, and were not, stay allocated: someone may yet free them.
@@ -35,7 +35,7 @@ private:
     {
         void *address;
         const char *function;
-        bool libraryOwned;
+        bool platformOwned;
         int frees;
     };
 

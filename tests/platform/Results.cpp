@@ -18,9 +18,9 @@ void require(bool suits, const char *function, const char *what)
         qFatal("The answer scripted for %s is not %s", function, what);
 }
 
-void *handedOut(const char *function, const QByteArray &data, bool libraryOwned = false)
+void *handedOut(const char *function, const QByteArray &data, bool platformOwned = false)
 {
-    void *block = MemoryLedger::instance().allocate(function, std::size_t(data.size()), libraryOwned);
+    void *block = MemoryLedger::instance().allocate(function, std::size_t(data.size()), platformOwned);
     std::memcpy(block, data.constData(), std::size_t(data.size()));
     return block;
 }
