@@ -3,8 +3,8 @@
 
 #include "MagnetStream.h"
 #include "MagnetDownload.h"
+#include "MpvCore.h"
 
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -29,6 +29,7 @@ struct MagnetStream::Reader
     std::shared_ptr<MagnetDownload> download;
     std::int64_t position = 0;
     std::atomic<bool> cancelled{false};
+    std::atomic<bool> closed{false};
 };
 
 std::int64_t MagnetStream::Reader::read(void *cookie, char *buffer, std::uint64_t size)
@@ -62,8 +63,11 @@ void MagnetStream::Reader::close(void *cookie)
 {
     auto &reader = *static_cast<Reader *>(cookie);
     std::shared_ptr<MagnetDownload> last; // whose end takes a while
-    const std::lock_guard<std::mutex> lock(reader.mutex);
-    last.swap(reader.download);
+    {
+        const std::lock_guard<std::mutex> lock(reader.mutex);
+        last.swap(reader.download);
+    }
+    reader.closed = true; // and may be gone
 }
 
 MagnetStream::MagnetStream() = default;
@@ -76,7 +80,7 @@ int MagnetStream::open(void *self, char *, mpv_stream_cb_info *info)
     const std::lock_guard<std::mutex> lock(stream.m_mutex);
     if (!stream.m_download)
         return MPV_ERROR_LOADING_FAILED;
-    Reader &reader = stream.m_readers.emplace_back();
+    Reader &reader = stream.m_readers.add();
     reader.download = stream.m_download;
     info->cookie = &reader;
     info->read_fn = Reader::read;
@@ -87,11 +91,9 @@ int MagnetStream::open(void *self, char *, mpv_stream_cb_info *info)
     return 0;
 }
 
-void MagnetStream::install(mpv_handle *core)
+void MagnetStream::install(MpvCore &core)
 {
-    const int result = mpv_stream_cb_add_ro(core, scheme, this, open);
-    if (result < 0)
-        throw std::runtime_error(std::string("libmpv takes no streams from us: ") + mpv_error_string(result));
+    core.addScheme(scheme, this, open);
 }
 
 void MagnetStream::setDownload(std::shared_ptr<MagnetDownload> download)

@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include <list>
+#include "StreamReaders.h"
+
 #include <memory>
 #include <mpv/stream_cb.h>
 #include <mutex>
@@ -11,6 +12,7 @@
 namespace Desk {
 
 class MagnetDownload;
+class MpvCore;
 
 /// Lets a player core read from a magnet link's download, under an address of its own. Outlives the core.
 class MagnetStream
@@ -24,7 +26,7 @@ public:
     static constexpr char address[] = "kavro-magnet://stream";
 
     /// Makes the address known to a core.
-    void install(mpv_handle *core);
+    void install(MpvCore &core);
 
     /// What the address stands for from now on; null for nothing.
     void setDownload(std::shared_ptr<MagnetDownload> download);
@@ -35,7 +37,7 @@ private:
 
     std::mutex m_mutex;
     std::shared_ptr<MagnetDownload> m_download;
-    std::list<Reader> m_readers; // all that there were, since the core may cancel one that it has closed
+    StreamReaders<Reader> m_readers;
 };
 
 } // namespace Desk

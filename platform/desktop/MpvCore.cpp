@@ -100,6 +100,13 @@ void MpvCore::command(const std::vector<std::string> &words)
     mpv_command_async(m_handle, 0, arguments.data());
 }
 
+void MpvCore::addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open)
+{
+    const int result = mpv_stream_cb_add_ro(m_handle, scheme, source, open);
+    if (result < 0)
+        throw std::runtime_error("libmpv takes no " + std::string(scheme) + ": " + mpv_error_string(result));
+}
+
 void MpvCore::load(const std::string &address, const Options &options, std::uint64_t tag)
 {
     std::vector<char *> keys;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <mpv/client.h>
+#include <mpv/stream_cb.h>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +33,10 @@ public:
     void set(const char *property, bool value);
     void set(const char *property, double value);
     void command(const std::vector<std::string> &words);
+
+    /// Has addresses of this scheme opened by a function, on a thread of the core's, with source as its first argument.
+    /// Throws std::runtime_error when the core does not take it.
+    void addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open);
 
     /// Plays address with options of its own. The reply, MPV_EVENT_COMMAND_REPLY with this tag, tells the entry's
     /// number.

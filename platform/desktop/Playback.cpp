@@ -32,8 +32,8 @@ Playback::Playback(PlayerModel &model, PlayerWindow &window)
     , m_window(window)
     , m_renderer(m_core, window)
 {
-    m_magnetStream.install(m_core.handle());
-    m_rtpStream.install(m_core.handle());
+    m_magnetStream.install(m_core);
+    m_rtpStream.install(m_core);
     const PlayerStatus status = m_model.status();
     m_core.set("volume", static_cast<double>(status.volume));
     m_core.set("mute", status.mute);

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "RtpStream.h"
+#include "MpvCore.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 #include <string_view>
 #include <vector>
 
@@ -62,6 +62,7 @@ struct RtpStream::Reader
     std::vector<unsigned char> packet;
     Range rest; // of the packet, still to be read
     std::atomic<bool> cancelled{false};
+    std::atomic<bool> closed{false};
 };
 
 void RtpStream::Reader::close(void *cookie)
@@ -69,6 +70,7 @@ void RtpStream::Reader::close(void *cookie)
     auto &reader = *static_cast<Reader *>(cookie);
     avio_closep(&reader.io);
     std::vector<unsigned char>().swap(reader.packet);
+    reader.closed = true;
 }
 
 std::int64_t RtpStream::Reader::read(void *cookie, char *buffer, std::uint64_t size)
@@ -91,19 +93,15 @@ RtpStream::RtpStream() = default;
 
 RtpStream::~RtpStream() = default;
 
-RtpStream::Reader &RtpStream::newReader()
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_readers.emplace_back();
-}
-
 int RtpStream::open(void *self, char *address, mpv_stream_cb_info *info)
 {
-    Reader &reader = static_cast<RtpStream *>(self)->newReader();
+    Reader &reader = static_cast<RtpStream *>(self)->m_readers.add();
     const std::string source = std::string(udpScheme) + std::strchr(address, ':');
     const AVIOInterruptCB interrupt = {Reader::isCancelled, &reader};
-    if (avio_open2(&reader.io, source.c_str(), AVIO_FLAG_READ, &interrupt, nullptr) < 0)
+    if (avio_open2(&reader.io, source.c_str(), AVIO_FLAG_READ, &interrupt, nullptr) < 0) {
+        reader.closed = true;
         return MPV_ERROR_LOADING_FAILED;
+    }
     reader.packet.resize(largestPacket);
     info->cookie = &reader;
     info->read_fn = Reader::read;
@@ -112,11 +110,9 @@ int RtpStream::open(void *self, char *address, mpv_stream_cb_info *info)
     return 0;
 }
 
-void RtpStream::install(mpv_handle *core)
+void RtpStream::install(MpvCore &core)
 {
-    const int result = mpv_stream_cb_add_ro(core, scheme, this, open);
-    if (result < 0)
-        throw std::runtime_error(std::string("libmpv takes no packets from us: ") + mpv_error_string(result));
+    core.addScheme(scheme, this, open);
 }
 
 std::string RtpStream::addressFor(const std::string &address)
