@@ -26,7 +26,7 @@ CaBundle::~CaBundle()
 
 void CaBundle::require()
 {
-    timerEvent(nullptr);
+    begin();
     wait();
 }
 
@@ -36,6 +36,11 @@ void CaBundle::run()
 }
 
 void CaBundle::timerEvent(QTimerEvent *)
+{
+    begin();
+}
+
+void CaBundle::begin()
 {
     if (timer == 0)
         return;

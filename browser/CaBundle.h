@@ -22,5 +22,7 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    void begin();
+
     int timer; ///< 0 once the thread has begun
 };

@@ -148,12 +148,10 @@ void KavroStbBrowser::createScriptObjects()
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
 
-    QObject *const objects[] = {media, display, pvr, deprecatedMedia, deprecatedDisplay};
+    scriptObjects << media << display << pvr << deprecatedMedia << deprecatedDisplay;
     DeleteGuard *guard = new DeleteGuard(this);
-    for (QObject *object : objects) {
-        scriptObjects.append(object);
+    for (QObject *object : std::as_const(scriptObjects))
         object->installEventFilter(guard);
-    }
 }
 
 void KavroStbBrowser::createPage()
@@ -343,6 +341,9 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
 void KavroStbBrowser::setJsCallback(const QString &code)
 {
     jsCallbackCode = code;
+    // The engine converts the value of a script, which must not be one that crashes it.
+    if (!code.isEmpty())
+        jsCallbackCode += QLatin1String("\n;0");
 }
 
 void KavroStbBrowser::evaluateEvent(int argument, int code)
@@ -353,9 +354,8 @@ void KavroStbBrowser::evaluateEvent(int argument, int code)
 
     if (pageEvents)
         pageEvents->deliver(argument, code);
-    // The engine converts the value of a script, which must not be one that crashes it.
     if (!jsCallbackCode.isEmpty())
-        page()->mainFrame()->evaluateJavaScript(jsCallbackCode + QLatin1String("\n;0"));
+        page()->mainFrame()->evaluateJavaScript(jsCallbackCode);
 }
 
 void KavroStbBrowser::changeKeyDelay(int ms)
