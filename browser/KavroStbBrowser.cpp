@@ -148,10 +148,12 @@ void KavroStbBrowser::createScriptObjects()
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
 
-    scriptObjects << media << display << pvr << deprecatedMedia << deprecatedDisplay;
+    QObject *const objects[] = {media, display, pvr, deprecatedMedia, deprecatedDisplay};
     DeleteGuard *guard = new DeleteGuard(this);
-    for (QObject *object : std::as_const(scriptObjects))
+    for (QObject *object : objects) {
+        scriptObjects.append(object);
         object->installEventFilter(guard);
+    }
 }
 
 void KavroStbBrowser::createPage()
@@ -340,10 +342,8 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
 
 void KavroStbBrowser::setJsCallback(const QString &code)
 {
-    jsCallbackCode = code;
     // The engine converts the value of a script, which must not be one that crashes it.
-    if (!code.isEmpty())
-        jsCallbackCode += QLatin1String("\n;0");
+    jsCallbackCode = code.isEmpty() ? code : code + QLatin1String("\n;0");
 }
 
 void KavroStbBrowser::evaluateEvent(int argument, int code)
