@@ -24,6 +24,12 @@ void DeskBoxTest::setUp()
     m_usual = QStringList{"--headless", "--box", m_box, "--screenshot", m_picture};
 }
 
+void DeskBoxTest::cleanup()
+{
+    if (QTest::currentTestFailed() && m_program)
+        qInfo("The desk box said:\n%s%s", m_program->output().constData(), m_program->errors().constData());
+}
+
 void DeskBoxTest::begin(const QStringList &arguments)
 {
     m_program->setArguments(m_usual + arguments);

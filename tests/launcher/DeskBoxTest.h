@@ -34,6 +34,10 @@ protected:
     QScopedPointer<Program> m_program;
     QStringList m_usual; // arguments
 
+private slots:
+    /// Shows what the desk box has said if the test failed.
+    void cleanup();
+
 private:
     static constexpr char program[] = "bin/kavro-box";
 };
