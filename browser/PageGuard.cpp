@@ -10,13 +10,16 @@ namespace {
 // that take a Date or an object; those parameters are guarded. What a guard passes on in place of an object is what the
 // slot would have made of it.
 //
+// No function here returns a call's result directly. The engine would give up its frame for the call, and without it
+// crashes if the call throws. It is told not to (see PluginWrapper), but a launcher may have started it before.
+//
 // The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the
 // language that they use are taken before the page's first script runs.
 const char script[] = R"js(
 (function () {
     'use strict';
     var call = Function.prototype.call;
-    var apply = call.bind(Function.prototype.apply);
+    var apply = Reflect.apply;
     var classOf = call.bind(Object.prototype.toString);
     var timeOf = call.bind(Date.prototype.getTime);
     var isArray = Array.isArray;
@@ -49,12 +52,14 @@ const char script[] = R"js(
             return time === time ? new DateObject(time) : onInvalid;
         }
         var read = readers[kind];
-        return read ? read(object) : undefined;
+        var value = read ? read(object) : undefined;
+        return value;
     }
 
     // For a QDateTime: this number has no date either, and the engine knows how to say so.
     function dateTime(value) {
-        return isObject(value) ? held(value, Infinity) : value;
+        var simple = isObject(value) ? held(value, Infinity) : value;
+        return simple;
     }
 
     // For a QVariant. The engine does not convert NaN.
@@ -73,13 +78,16 @@ const char script[] = R"js(
     // An array can claim four billion entries that it does not have, and the engine would make them all. Entries are
     // taken by their indexes: going through them would be the page's to define.
     function numbers(value) {
-        if (!isArray(value))
-            return number(value);
+        if (!isArray(value)) {
+            var single = number(value);
+            return single;
+        }
         if (value.length > longestList)
             throw new RangeErrorObject('The list has more than ' + longestList + ' entries');
         var places = create(null);
         places.length = value.length;
-        return arrayFrom(places, function (nothing, index) { return number(value[index]); });
+        var list = arrayFrom(places, function (nothing, index) { var entry = number(value[index]); return entry; });
+        return list;
     }
 
     // In place of StbPVR.GetRecordsList.
@@ -96,28 +104,31 @@ const char script[] = R"js(
         return function () {
             if (index < arguments.length)
                 arguments[index] = safe(arguments[index]);
-            return apply(method, target, arguments);
+            var result = apply(method, target, arguments);
+            return result;
         };
     }
 
-    // A signal's functions connect and disconnect. The engine looks for the member even of a receiver that is null.
+    // A signal's functions connect and disconnect. The engine looks for the member even of a receiver that is none.
     function withReceiver(signal, action) {
         return function (receiver) {
-            if (arguments.length > 1 && receiver === null)
-                throw new TypeErrorObject('The receiver of a signal cannot be null');
-            return apply(action, signal, arguments);
+            if (arguments.length > 1 && (receiver === null || receiver === undefined))
+                throw new TypeErrorObject('The receiver of a signal cannot be ' + receiver);
+            var result = apply(action, signal, arguments);
+            return result;
         };
     }
 
     function guardedSignal(target, signal) {
-        var guard = function () { return apply(signal, target, arguments); };
+        var guard = function () { var result = apply(signal, target, arguments); return result; };
         define(guard, 'connect', {value: withReceiver(signal, signal.connect)});
         define(guard, 'disconnect', {value: withReceiver(signal, signal.disconnect)});
         return guard;
     }
 
     var isSignal = create(null);
-    isSignal.destroyed = isSignal.objectNameChanged = isSignal.jsCallback = isSignal.keyDelayChanged = true;
+    isSignal.destroyed = isSignal.objectNameChanged = isSignal.jsCallback = true;
+    isSignal.keyDelayChanged = isSignal.ExitToMenuSignal = true;
 
     // By object and slot: which argument is made safe and how, or what is called in place of the slot.
     var guards = {

@@ -39,6 +39,14 @@ void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)
     widget->setPalette(palette);
 }
 
+// Without this the engine calls the last function of a strict one in its place, and crashes if that happens twice in a
+// row and the second one throws: Function.prototype.call.bind(Function.prototype.apply)(Map) in a loop is enough.
+void setUpEngine()
+{
+    qputenv("JSC_useTailCalls", "0");
+    QWebSettings::globalSettings();
+}
+
 // Models whose graphics layer lies above the video need a see-through window.
 bool needsTranslucentWindow()
 {
@@ -131,7 +139,7 @@ void PluginWrapper::setFullPath(const QString &path)
         qWarning() << "Malformed Manifest";
     QTimer::singleShot(startDelay, this, SLOT(runApplication()));
     // The time until then is used for what the engine and the network set up once.
-    QWebSettings::globalSettings();
+    setUpEngine();
     QSslSocket::supportsSsl();
 }
 

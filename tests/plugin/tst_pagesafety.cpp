@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "RecordingPlatform.h"
+#include "RefusedCalls.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
 
@@ -95,13 +96,12 @@ private slots:
     void listsThatGrowAreTakenAsTheyWere();
     void eventHandlersMayHaveAnyValue_data();
     void eventHandlersMayHaveAnyValue();
-    void signalsDoNotReachPagesThatAreGone();
-    void signalsAreConnectedToNothingElse_data();
-    void signalsAreConnectedToNothingElse();
     void dialogsShowNoMoreThanFits_data();
     void dialogsShowNoMoreThanFits();
     void guardsWorkOnInALoop_data();
     void guardsWorkOnInALoop();
+    void callsMayBeRefusedAgainAndAgain_data();
+    void callsMayBeRefusedAgainAndAgain();
     void changedPrototypesChangeNothing_data();
     void changedPrototypesChangeNothing();
     void posingObjectsAreNotPassedOn_data();
@@ -290,61 +290,6 @@ void TestPageSafety::eventHandlersMayHaveAnyValue()
     result("StbMedia.onEvent = ''");
 }
 
-void TestPageSafety::signalsDoNotReachPagesThatAreGone()
-{
-    m_session->run("StbDisplay.keyDelayChanged.connect(function () { StbMedia.Pause(77); })");
-    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray("KVR_Pause(77)"));
-    QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray());
-}
-
-void TestPageSafety::signalsAreConnectedToNothingElse_data()
-{
-    QTest::addColumn<QString>("receiver");
-    for (const char *receiver : {"",
-                                 "null",
-                                 "undefined",
-                                 "1",
-                                 "'x'",
-                                 "{}",
-                                 "new Date(NaN)",
-                                 "Symbol('s')",
-                                 "StbMedia",
-                                 "null, null",
-                                 "null, {}",
-                                 "null, function () {}",
-                                 "null, 'x'",
-                                 "null, new Date(NaN)",
-                                 "undefined, Symbol('s')",
-                                 "1, StbMedia",
-                                 "'x', {}",
-                                 "true, []",
-                                 "{}, {}",
-                                 "{}, null",
-                                 "{}, 'x'",
-                                 "{}, Symbol('s')",
-                                 "{}, new Date(NaN)",
-                                 "StbMedia, 'x'",
-                                 "StbMedia, {}",
-                                 "Object.create(null), {toString: function () { throw 1; }}",
-                                 "window, window",
-                                 "document, 'body'"})
-        QTest::newRow(receiver) << receiver;
-}
-
-void TestPageSafety::signalsAreConnectedToNothingElse()
-{
-    QFETCH(const QString, receiver);
-    for (const char *signal : {"StbDisplay.keyDelayChanged", "StbMedia.jsCallback", "stb_media['jsCallback(QString)']",
-                               "StbPVR.destroyed", "stb_display.objectNameChanged"}) {
-        for (const char *action : {"connect", "disconnect"}) {
-            const QString refused = result(QString("%1.%2(%3)").arg(signal, action, receiver));
-            QVERIFY2(refused.startsWith("throws "), qPrintable(refused));
-        }
-    }
-}
-
 void TestPageSafety::dialogsShowNoMoreThanFits_data()
 {
     QTest::addColumn<QString>("script");
@@ -397,6 +342,22 @@ void TestPageSafety::guardsWorkOnInALoop()
             + call + "; } catch (error) { return i + ': ' + error; } } return 'done'; })()";
         QCOMPARE(result(script), QString("\"done\""));
     }
+}
+
+void TestPageSafety::callsMayBeRefusedAgainAndAgain_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char *call :
+         {"StbMedia.Pause()", "StbMedia.Pause(NaN)", "StbDisplay.Log({toString: function () { throw 1; }})",
+          "StbPVR.AddRecord('u', 'f', posing('String'), 1)", "StbDisplay.keyDelayChanged.connect()", "Map()"})
+        QTest::newRow(call) << call;
+}
+
+void TestPageSafety::callsMayBeRefusedAgainAndAgain()
+{
+    QFETCH(const QString, call);
+    for (const char *way : RefusedCalls::ways)
+        QCOMPARE(result(RefusedCalls::script(call, way)), QString::number(RefusedCalls::times));
 }
 
 void TestPageSafety::changedPrototypesChangeNothing_data()

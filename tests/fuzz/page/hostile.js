@@ -7,6 +7,8 @@ var hostile = (function () {
     'use strict';
     var names = ['StbMedia', 'StbDisplay', 'StbPVR', 'stb_media', 'stb_display'];
 
+    var now = Date.now;
+    var apply = Function.prototype.call.bind(Function.prototype.apply);
     var connected = [];
     var frames = 0;
 
@@ -80,6 +82,17 @@ var hostile = (function () {
             });
             connected = [{signal: signal, call: call}];
             signal.connect(call);
+        },
+        apply: apply,
+        // For some time at most, since a call may itself take long.
+        again: function (call) {
+            var end = now() + 200;
+            for (var i = 0; i < 2000 && now() < end; ++i) {
+                try {
+                    call();
+                } catch (refused) {
+                }
+            }
         },
         // Not what the call itself changes.
         observe: function (call) {

@@ -1,0 +1,142 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "RecordingPlatform.h"
+#include "ScriptObjectFinder.h"
+#include "ScriptSession.h"
+
+#include <QMetaMethod>
+#include <QtTest>
+
+#include <memory>
+
+// The script objects' signals, as pages find them: functions can be connected to them, and nothing else.
+class TestPageSignals : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void functionsAreConnectedToEachSignal_data();
+    void functionsAreConnectedToEachSignal();
+    void nothingElseIsConnected_data();
+    void nothingElseIsConnected();
+    void pagesThatAreGoneHearNothing();
+
+private:
+    QString result(const QString &script) { return m_session->run(script).result; }
+
+    std::unique_ptr<ScriptSession> m_session;
+};
+
+void TestPageSignals::initTestCase()
+{
+    m_session = std::make_unique<ScriptSession>();
+    QVERIFY(m_session->start());
+}
+
+void TestPageSignals::init()
+{
+    RecordingPlatform::reset();
+    QVERIFY(m_session->plugin().loadHtml("<title>page</title>"));
+}
+
+void TestPageSignals::functionsAreConnectedToEachSignal_data()
+{
+    QTest::addColumn<QByteArray>("className");
+    QTest::newRow("StbMedia") << QByteArray("KavroJS::StbMedia");
+    QTest::newRow("StbDisplay") << QByteArray("KavroJS::StbDisplay");
+    QTest::newRow("StbPVR") << QByteArray("KavroJS::StbPVR");
+    QTest::newRow("stb_media") << QByteArray("KavroJSDeprecated::stb_media");
+    QTest::newRow("stb_display") << QByteArray("KavroJSDeprecated::stb_display");
+}
+
+void TestPageSignals::functionsAreConnectedToEachSignal()
+{
+    QFETCH(const QByteArray, className);
+    const QString object = QString::fromLatin1(QTest::currentDataTag());
+    const ScriptObjectFinder finder(className.constData());
+    result(object + ".deleteLater()");
+    QTRY_VERIFY(finder.found());
+    const QMetaObject *metaObject = finder.found()->metaObject();
+    for (int i = 0; i < metaObject->methodCount(); ++i) {
+        const QMetaMethod method = metaObject->method(i);
+        if (method.methodType() != QMetaMethod::Signal)
+            continue;
+        const QString fullName = object + "['" + QString::fromLatin1(method.methodSignature()) + "']";
+        const QString name = object + "." + QString::fromLatin1(method.name());
+        QCOMPARE(result("var listener = function () {}; " + fullName + ".connect(listener)"), QString("undefined"));
+        QCOMPARE(result(fullName + ".disconnect(listener)"), QString("undefined"));
+        QCOMPARE(result(name + ".connect(null, 'x')"),
+                 QString("throws TypeError: The receiver of a signal cannot be null"));
+    }
+}
+
+void TestPageSignals::nothingElseIsConnected_data()
+{
+    QTest::addColumn<QString>("receiver");
+    for (const char *receiver : {"",
+                                 "null",
+                                 "undefined",
+                                 "1",
+                                 "'x'",
+                                 "{}",
+                                 "new Date(NaN)",
+                                 "Symbol('s')",
+                                 "StbMedia",
+                                 "null, null",
+                                 "null, {}",
+                                 "null, function () {}",
+                                 "null, 'x'",
+                                 "null, new Date(NaN)",
+                                 "undefined, undefined",
+                                 "undefined, null",
+                                 "undefined, {}",
+                                 "undefined, 'x'",
+                                 "undefined, Symbol('s')",
+                                 "document.all, 'x'",
+                                 "1, StbMedia",
+                                 "'x', {}",
+                                 "true, []",
+                                 "{}, {}",
+                                 "{}, null",
+                                 "{}, 'x'",
+                                 "{}, Symbol('s')",
+                                 "{}, new Date(NaN)",
+                                 "StbMedia, 'x'",
+                                 "StbMedia, {}",
+                                 "Object.create(null), {toString: function () { throw 1; }}",
+                                 "window, window",
+                                 "document, 'body'"})
+        QTest::newRow(receiver) << receiver;
+}
+
+// Of members that are no signals, either.
+void TestPageSignals::nothingElseIsConnected()
+{
+    QFETCH(const QString, receiver);
+    QCOMPARE(result(QString("var tried = 0, taken = [];"
+                            "[StbMedia, StbDisplay, StbPVR, stb_media, stb_display].forEach(function (object) {"
+                            "for (var name in object) {"
+                            "[name, name.split('(')[0]].forEach(function (member) {"
+                            "['connect', 'disconnect'].forEach(function (action) { ++tried;"
+                            "try { object[member][action](%1); taken.push(member); } catch (refused) {} });"
+                            "}); } }); (tried > 500) + taken.join()")
+                        .arg(receiver)),
+             QString("\"true\""));
+}
+
+void TestPageSignals::pagesThatAreGoneHearNothing()
+{
+    m_session->run("StbDisplay.keyDelayChanged.connect(function () { StbMedia.Pause(77); })");
+    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray("KVR_Pause(77)"));
+    QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(m_session->run("StbDisplay.SetKeyEventPeriod(0)").calls, QByteArray());
+}
+
+QTEST_MAIN(TestPageSignals)
+
+#include "tst_pagesignals.moc"
