@@ -43,6 +43,10 @@ void PluginHost::start(const QString &directory)
 
 void PluginHost::destroy()
 {
+    // Hidden while it is whole: a proxy looks for the next widget to have the focus, which crashes among those of a
+    // widget that is half gone.
+    if (m_application)
+        m_application->hide();
     m_application = nullptr;
     delete m_instance;
 }

@@ -4,6 +4,7 @@
 #include "DeskBoxTest.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QTest>
 #include <QXmlStreamReader>
@@ -27,6 +28,7 @@ private slots:
     void aPageGivenOnceIsNotTheNextHomePage();
     void theAuthorsOwnHomePageIsOpened();
     void aMalformedManifestIsSaidAndTheBoxStarts();
+    void itMayBeLeftWhileTheSplashIsShown();
     void tracingLastsForOneRun_data();
     void tracingLastsForOneRun();
     void theModelIsTheOneGiven();
@@ -112,6 +114,16 @@ void TestKavroBoxPages::aMalformedManifestIsSaidAndTheBoxStarts()
         m_program->errors().contains("kavro-box: /sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml is malformed ("));
     QVERIFY(m_program->errors().contains("Malformed Manifest\n"));
     QCOMPARE(QImage(m_picture).size(), QSize(1920, 1080));
+}
+
+void TestKavroBoxPages::itMayBeLeftWhileTheSplashIsShown()
+{
+    QImage splash(200, 100, QImage::Format_RGB32);
+    splash.fill(Qt::red);
+    QVERIFY(writeFile(manifest(), "<m><p type='homepage' src=''/><p type='splash_image' src='splash.png'/></m>"));
+    QVERIFY(splash.save(QFileInfo(manifest()).path() + "/splash.png"));
+    QCOMPARE(run({"--exit-after", "1.5", "http://127.0.0.1:1/"}), 0);
+    QCOMPARE(QImage(m_picture).pixelColor(20, 50), QColor(Qt::red));
 }
 
 void TestKavroBoxPages::tracingLastsForOneRun_data()
