@@ -58,6 +58,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         QObject *child = static_cast<QChildEvent *>(event)->child();
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
+            m_console.watch(child);
             QTimer::singleShot(0, this, SIGNAL(started()));
         }
     }

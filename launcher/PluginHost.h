@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "PageConsole.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -39,5 +41,6 @@ protected:
 
 private:
     QPointer<QObject> m_instance;
+    PageConsole m_console;
     CStbApplication *m_application = nullptr;
 };

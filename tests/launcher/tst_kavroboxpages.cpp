@@ -33,6 +33,7 @@ private slots:
     void tracingLastsForOneRun();
     void theModelIsTheOneGiven();
     void theOutputIsThePluginsAlone();
+    void thePagesConsoleIsShown();
     void thereIsStackForDeeplyNestedElements();
 
 private:
@@ -167,6 +168,27 @@ void TestKavroBoxPages::theOutputIsThePluginsAlone()
 }
 
 // Laying out as many as would exceed the usual one takes longer than a test may.
+void TestKavroBoxPages::thePagesConsoleIsShown()
+{
+    m_server->serve("/",
+                    page("console.log('one\\ntwo'); console.warn('three');\n"
+                         "console.error(new Array(3001).join('x'));\n"
+                         "onload = function () { leave(100); missing(); };"));
+    QCOMPARE(run({m_server->url().toString()}), 0);
+    const QByteArray start = "kavro-box: console";
+    const QByteArray address = " (" + m_server->url().toEncoded() + ":";
+    QByteArrayList lines;
+    for (const QByteArray &line : m_program->errors().split('\n')) {
+        if (line.startsWith(start))
+            lines.append(line);
+    }
+    QCOMPARE(lines,
+             QByteArrayList({start + ": one two" + address + "3)", start + " warning: three" + address + "3)",
+                             start + " error: " + QByteArray(2000, 'x') + "..." + address + "4)",
+                             start + " error: ReferenceError: Can't find variable: missing" + address + "5)"}));
+    QCOMPARE(m_program->output(), QByteArray());
+}
+
 void TestKavroBoxPages::thereIsStackForDeeplyNestedElements()
 {
     const QString script = m_box + "/usr/local/bin/custom/stack";

@@ -1,0 +1,24 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QObject>
+
+/// Shows on standard error what the plugin's page writes to its console, and its scripts' errors.
+class PageConsole : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Shows the console of the page in a web view.
+    void watch(const QObject *view);
+
+private:
+    // As in the web engine's QWebPage. The launcher is not linked to the engine, so that it starts faster.
+    enum MessageSource { XmlSource, ScriptSource };
+    enum MessageLevel { LogLevel = 1, WarningLevel, ErrorLevel };
+
+private slots:
+    void show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file);
+};
