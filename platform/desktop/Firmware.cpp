@@ -79,10 +79,14 @@ std::string download(const std::string &url, std::FILE *target, std::atomic<bool
 
 int Firmware::upgrade(const std::string &url)
 {
-    if (url.empty())
+    if (url.empty()) {
+        log("firmware upgrade refused: it has no URL");
         return KVR_ERR_INVALID_ARGUMENT;
-    if (m_busy.exchange(true))
+    }
+    if (m_busy.exchange(true)) {
+        log("firmware upgrade from " + url + " refused: another one is running");
         return KVR_ERR_INVALID_STATE;
+    }
     m_fetcher.post([this, url] {
         fetch(url);
         m_busy = false;

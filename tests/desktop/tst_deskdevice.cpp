@@ -234,8 +234,10 @@ void TestDeskDevice::oneUpgradeAtATime()
     server.fallSilent();
     const ErrorOutput log;
     QCOMPARE(KVR_UpgradeFirmware(server.url("/slow").toEncoded()), int(KVR_OK));
-    QCOMPARE(KVR_UpgradeFirmware(server.url("/slow").toEncoded()), int(KVR_ERR_INVALID_STATE));
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/second").toEncoded()), int(KVR_ERR_INVALID_STATE));
+    QTRY_VERIFY(log.text().contains("/second refused: another one is running\n"));
     QCOMPARE(KVR_UpgradeFirmware(""), int(KVR_ERR_INVALID_ARGUMENT));
+    QTRY_VERIFY(log.text().contains("refused: it has no URL\n"));
     QCOMPARE(KVR_UpgradeFirmware(nullptr), int(KVR_ERR_INVALID_ARGUMENT));
 }
 
