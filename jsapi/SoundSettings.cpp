@@ -35,15 +35,14 @@ QByteArray plainEntries()
 }
 
 // The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
-// one tick of the clock leave so. A copy under a new name is read in any case.
+// one tick of the clock leave so. A copy under a new name is read in any case, if there is room for one.
 QVariant value(const char *key)
 {
+    const QByteArray entries = plainEntries();
     QTemporaryFile copy;
-    if (!copy.open())
-        return 0;
-    copy.write(plainEntries());
-    copy.close();
-    return QSettings(copy.fileName(), QSettings::NativeFormat).value(QLatin1String(key), 0);
+    const bool isCopied = copy.open() && copy.write(entries) == entries.size() && copy.flush();
+    const QString path = isCopied ? copy.fileName() : QString::fromLatin1(settingsPath);
+    return QSettings(path, QSettings::NativeFormat).value(QLatin1String(key), 0);
 }
 
 void bringToDisk(const QByteArray &path)

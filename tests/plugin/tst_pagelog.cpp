@@ -2,45 +2,19 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BoxFile.h"
+#include "FileSizeLimit.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
 
 #include <QRegularExpression>
 #include <QtTest>
 
-#include <csignal>
 #include <memory>
-
-#include <sys/resource.h>
 
 namespace {
 
 const char *const logFile = "/tmp/jsbrowser.log";
 const qint64 sizeLimit = 1048576;
-
-// Limits the size of this process's files for as long as it lives: a write beyond fails as on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit = {bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        m_handlerBefore = signal(SIGXFSZ, SIG_IGN);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        signal(SIGXFSZ, m_handlerBefore);
-    }
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-    rlimit m_before = {};
-    void (*m_handlerBefore)(int) = nullptr;
-};
 
 // The times that begin the lines, and the lines without them.
 struct Log

@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "FileSizeLimit.h"
 #include "RecordingPlatform.h"
 #include "ScriptSession.h"
 
@@ -82,6 +83,8 @@ private slots:
     void eachNewPlayerSeesTheLatestSound();
     void whatCannotBeWrittenIsNotReported();
     void whatCannotBeReadIsSilence();
+    void noRoomForTemporaryFilesIsNoSilence_data();
+    void noRoomForTemporaryFilesIsNoSilence();
     void aLockLeftBehindStopsNobody();
     void aKillAtAnyMomentLeavesAWholeFile();
 
@@ -221,6 +224,29 @@ void TestSoundSettings::whatCannotBeReadIsSilence()
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
     closeAPlayer(m_session.get(), 35, 1);
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
+}
+
+void TestSoundSettings::noRoomForTemporaryFilesIsNoSilence_data()
+{
+    QTest::addColumn<QByteArray>("folder");
+    QTest::addColumn<rlim_t>("room");
+    QTest::newRow("no folder") << QByteArray("/nowhere") << rlim_t(RLIM_INFINITY);
+    QTest::newRow("full") << QByteArray("/tmp") << rlim_t(0);
+}
+
+void TestSoundSettings::noRoomForTemporaryFilesIsNoSilence()
+{
+    QFETCH(const QByteArray, folder);
+    QFETCH(const rlim_t, room);
+    QVERIFY(write(settingsFile, "[volume]\nvolumeValue=77\nmute=1\n"));
+    qputenv("TMPDIR", folder);
+    QString sound;
+    {
+        const FileSizeLimit limit(room);
+        sound = soundOfANewPlayer(m_session.get());
+    }
+    qunsetenv("TMPDIR");
+    QCOMPARE(sound, QString("77, 1"));
 }
 
 void TestSoundSettings::aLockLeftBehindStopsNobody()
