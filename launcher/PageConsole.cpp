@@ -13,7 +13,7 @@ const int longestMessage = 2000; // characters
 
 void PageConsole::watch(const QObject *view)
 {
-    const QObjectList children = view->children();
+    const QObjectList &children = view->children();
     for (const QObject *child : children) {
         // Signatures are compared without blanks.
         // clang-format off

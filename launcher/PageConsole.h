@@ -20,5 +20,7 @@ private:
     enum MessageLevel { LogLevel = 1, WarningLevel, ErrorLevel };
 
 private slots:
+    // The engine's signal does not qualify the types, and is connected by their names.
+    // clazy:excludeall=fully-qualified-moc-types
     void show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file);
 };

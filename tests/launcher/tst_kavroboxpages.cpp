@@ -9,6 +9,8 @@
 #include <QTest>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace {
 
 const char traceLevel[] = "/etc/stbjsapi_debug";
@@ -177,11 +179,10 @@ void TestKavroBoxPages::thePagesConsoleIsShown()
     QCOMPARE(run({m_server->url().toString()}), 0);
     const QByteArray start = "kavro-box: console";
     const QByteArray address = " (" + m_server->url().toEncoded() + ":";
-    QByteArrayList lines;
-    for (const QByteArray &line : m_program->errors().split('\n')) {
-        if (line.startsWith(start))
-            lines.append(line);
-    }
+    QByteArrayList lines = m_program->errors().split('\n');
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [&start](const QByteArray &line) { return !line.startsWith(start); }),
+                lines.end());
     QCOMPARE(lines,
              QByteArrayList({start + ": one two" + address + "3)", start + " warning: three" + address + "3)",
                              start + " error: " + QByteArray(2000, 'x') + "..." + address + "4)",
