@@ -48,10 +48,10 @@ QVariant value(const char *key)
 void bringToDisk(const QByteArray &path)
 {
     const int file = open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return;
-    fsync(file);
-    close(file);
+    if (file >= 0) {
+        fsync(file);
+        close(file);
+    }
 }
 
 // A new file takes the old one's place in one step, so that a kill at any moment leaves the one or the other whole.
