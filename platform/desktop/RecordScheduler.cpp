@@ -94,6 +94,7 @@ void RecordScheduler::run()
     // Nobody may wait for an order that nobody runs any more.
     for (const Order &order : orders)
         order(store);
+    saveUnsaved(store);
     for (const auto &[id, recorder] : m_recorders)
         recorder->cancel();
     m_recorders.clear();
@@ -117,6 +118,7 @@ void RecordScheduler::load(RecordStore &store)
 void RecordScheduler::work(RecordStore &store)
 {
     reap(store);
+    saveUnsaved(store);
     for (auto &[id, record] : m_records) {
         if (record.state == KVR_RECORD_SCHEDULED && record.begin <= now())
             begin(store, record);
@@ -127,7 +129,7 @@ void RecordScheduler::begin(RecordStore &store, Record &record)
 {
     // Known to run before there is a file: after a kill in between it is one that was interrupted.
     record.state = KVR_RECORD_RUNNING;
-    store.update(record);
+    save(store, record);
     auto file = std::make_unique<RecordFile>();
     const std::string problem = file->create(record.file);
     if (!problem.empty()) {
@@ -153,7 +155,7 @@ void RecordScheduler::takeFileFromOthers(RecordStore &store, const Record &owner
         if (id == owner.id || !record.ownsFile || !RecordFile::areSame(record.file, owner.file))
             continue;
         record.ownsFile = false;
-        store.update(record);
+        save(store, record);
     }
 }
 
@@ -175,10 +177,29 @@ void RecordScheduler::reap(RecordStore &store)
                       m_cancelled.end());
 }
 
+void RecordScheduler::save(RecordStore &store, const Record &record)
+{
+    if (store.update(record))
+        m_unsaved.erase(record.id);
+    else
+        m_unsaved.insert(record.id);
+}
+
+void RecordScheduler::saveUnsaved(RecordStore &store)
+{
+    const std::set<KVR_ID> unsaved = std::move(m_unsaved);
+    m_unsaved.clear();
+    for (const KVR_ID id : unsaved) {
+        const auto found = m_records.find(id);
+        if (found != m_records.end())
+            save(store, found->second);
+    }
+}
+
 void RecordScheduler::change(RecordStore &store, Record &record, KVR_RecordState state)
 {
     record.state = state;
-    store.update(record);
+    save(store, record);
     changed(record.id);
 }
 
@@ -302,11 +323,13 @@ int RecordScheduler::setDuration(KVR_ID id, int duration)
     });
 }
 
-void RecordScheduler::forget(RecordStore &store, KVR_ID id)
+bool RecordScheduler::forget(RecordStore &store, KVR_ID id)
 {
-    store.remove(id);
+    if (!store.remove(id))
+        return false;
     m_records.erase(id);
     changed(id);
+    return true;
 }
 
 int RecordScheduler::remove(KVR_ID id)
@@ -314,13 +337,14 @@ int RecordScheduler::remove(KVR_ID id)
     return call([=](RecordStore &store) -> int {
         if (m_records.find(id) == m_records.end())
             return KVR_ERR_INVALID_ID;
+        if (!forget(store, id))
+            return KVR_ERR_FAILED;
         const auto recorder = m_recorders.find(id);
         if (recorder != m_recorders.end()) {
             recorder->second->cancel();
             m_cancelled.push_back(std::move(recorder->second));
             m_recorders.erase(recorder);
         }
-        forget(store, id);
         return KVR_OK;
     });
 }
@@ -333,11 +357,14 @@ int RecordScheduler::cleanUp()
             if (record.ended())
                 ended.push_back(record);
         }
+        int result = KVR_OK;
         for (const Record &record : ended) {
+            // First, since it may make the room in which the schedule is written.
             if (record.state == KVR_RECORD_FAILED && record.ownsFile)
                 RecordFile::remove(record.file);
-            forget(store, record.id);
+            if (!forget(store, record.id))
+                result = KVR_ERR_FAILED;
         }
-        return KVR_OK;
+        return result;
     });
 }

@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -61,9 +62,11 @@ private:
     void begin(RecordStore &store, Record &record);
     void takeFileFromOthers(RecordStore &store, const Record &owner);
     void reap(RecordStore &store);
+    void save(RecordStore &store, const Record &record);
+    void saveUnsaved(RecordStore &store);
     void change(RecordStore &store, Record &record, KVR_RecordState state);
     void changed(KVR_ID id) { m_events.send(KVR_BOX, KVR_EVENT_RECORDS, id); }
-    void forget(RecordStore &store, KVR_ID id);
+    bool forget(RecordStore &store, KVR_ID id);
     std::chrono::milliseconds untilNext() const;
 
     /// Runs an order on the thread and hands on its result.
@@ -83,6 +86,7 @@ private:
     std::map<KVR_ID, Record> m_records;
     std::map<KVR_ID, std::unique_ptr<Recorder>> m_recorders;
     std::vector<std::unique_ptr<Recorder>> m_cancelled;
+    std::set<KVR_ID> m_unsaved; // their state is not in the store yet, since the disk is full
 };
 
 } // namespace Desk

@@ -20,9 +20,9 @@ QString connectionName()
     return QStringLiteral("kavro-records");
 }
 
-void logProblem(const QSqlError &error)
+std::string problemOf(const QSqlError &error)
 {
-    log("recording schedule " + std::string(BoxPaths::records) + ": " + error.text().toStdString());
+    return "recording schedule " + std::string(BoxPaths::records) + ": " + error.text().toStdString();
 }
 
 // The columns of a record behind its identifier, in the order of the table.
@@ -62,7 +62,7 @@ RecordStore::RecordStore()
     }
     m_database.setDatabaseName(QString::fromUtf8(BoxPaths::records));
     if (!m_database.open()) {
-        logProblem(m_database.lastError());
+        log(problemOf(m_database.lastError()));
         return;
     }
     // With a write-ahead log a commit waits for no disk, and still outlives the process.
@@ -83,19 +83,22 @@ RecordStore::~RecordStore()
 bool RecordStore::execute(const char *statement)
 {
     QSqlQuery query(m_database);
-    if (query.exec(QString::fromLatin1(statement)))
-        return true;
-    logProblem(query.lastError());
-    return false;
+    return hasSucceeded(query, query.exec(QString::fromLatin1(statement)));
 }
 
 bool RecordStore::execute(QSqlQuery &query)
 {
-    if (isOpen() && query.exec())
-        return true;
-    if (isOpen())
-        logProblem(query.lastError());
-    return false;
+    return isOpen() && hasSucceeded(query, query.exec());
+}
+
+// A problem that lasts, such as a full disk, is logged once.
+bool RecordStore::hasSucceeded(const QSqlQuery &query, bool success)
+{
+    const std::string problem = success ? std::string() : problemOf(query.lastError());
+    if (!success && problem != m_problem)
+        log(problem);
+    m_problem = problem;
+    return success;
 }
 
 std::vector<Record> RecordStore::all()

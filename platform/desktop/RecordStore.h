@@ -34,8 +34,10 @@ public:
 private:
     bool execute(const char *statement);
     bool execute(QSqlQuery &query);
+    bool hasSucceeded(const QSqlQuery &query, bool success);
 
     QSqlDatabase m_database;
+    std::string m_problem; ///< of the latest statement
 };
 
 } // namespace Desk

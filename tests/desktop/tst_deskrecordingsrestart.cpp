@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "FileSizeLimit.h"
 #include "RecordedFile.h"
 #include "TestMedia.h"
 
@@ -26,6 +27,7 @@ constexpr char schedule[] = "/home/user/config/records.sqlite";
 constexpr char listRecords[] = "list";
 constexpr char addRecord[] = "add";
 constexpr char editRecords[] = "edit";
+constexpr char recordOnFullDisk[] = "full";
 
 uint32_t now()
 {
@@ -79,6 +81,21 @@ int edit()
     return tellForever(list());
 }
 
+// A recording that begins and is to be deleted while nothing can be written, which then changes.
+int recordWithoutRoom(const char *url)
+{
+    const KVR_ID id = KVR_AddRecord(url, "full.ts", 0, 60);
+    {
+        const FileSizeLimit limit(0);
+        while (KVR_GetRecordStatus(id) != KVR_RECORD_FAILED)
+            QTest::qSleep(10);
+        if (KVR_DeleteRecord(id) != KVR_ERR_FAILED || KVR_CleanUpRecords() != KVR_ERR_FAILED)
+            return 1;
+    }
+    QTest::qSleep(2500);
+    return tellForever(list());
+}
+
 // The desk box in a process of its own.
 class Box
 {
@@ -126,6 +143,7 @@ private slots:
     void aRecordingIsInterruptedWhenTheBoxIsLeft();
     void aBoxThatIsBackInTimeRecordsTheRest();
     void aRecordingThatTheBoxSleptThroughHasFailed();
+    void whatAFullDiskDoesNotTakeIsWrittenLater();
     void aScheduleThatCannotBeReadSaysSo_data();
     void aScheduleThatCannotBeReadSaysSo();
 
@@ -231,6 +249,15 @@ void TestDeskRecordingsRestart::aRecordingThatTheBoxSleptThroughHasFailed()
     QVERIFY(!QFile::exists("/mnt/stb/slept.ts"));
 }
 
+void TestDeskRecordingsRestart::whatAFullDiskDoesNotTakeIsWrittenLater()
+{
+    Box box({recordOnFullDisk, m_server.address("bars.ts").toEncoded()});
+    QVERIFY(box.firstWords().endsWith(" full.ts 0 60 3 \n"));
+    QCOMPARE(box.log().count("recording schedule "), 1);
+    box.kill();
+    QVERIFY(Box({listRecords}).allWords().endsWith(" full.ts 0 60 3 \n"));
+}
+
 void TestDeskRecordingsRestart::aScheduleThatCannotBeReadSaysSo_data()
 {
     QTest::addColumn<bool>("isFolder");
@@ -265,6 +292,8 @@ int main(int argc, char *argv[])
     }
     if (role == editRecords)
         return edit();
+    if (role == recordOnFullDisk && argc == 3)
+        return recordWithoutRoom(argv[2]);
     if (role == addRecord && argc >= 6) {
         const KVR_ID id = KVR_AddRecord(argv[2], argv[3], static_cast<uint32_t>(std::strtoul(argv[4], nullptr, 10)),
                                         std::atoi(argv[5]));
