@@ -30,6 +30,8 @@ screenshot cannot be written or the screen cannot be shown; 2 wrong usage; 3 the
 be loaded; 4 the box directory is in use; 5 the box directory cannot be used, or this PC cannot
 run a box.)";
 
+const int largestSize = 16384; // pixels; a window that is larger cannot be drawn
+
 [[noreturn]] void refuse(const QString &error)
 {
     report(error + "; kavro-box --help lists the options");
@@ -49,9 +51,11 @@ QSize readSize(const QString &text)
 {
     static const QRegularExpression form("^([1-9]\\d{1,4})x([1-9]\\d{1,4})$");
     const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch())
-        refuse(QString("--size \"%1\" is not a size such as 1280x720").arg(text));
-    return {match.captured(1).toInt(), match.captured(2).toInt()};
+    const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
+    if (!match.hasMatch() || size.width() > largestSize || size.height() > largestSize)
+        refuse(QString("--size \"%1\" is not a size such as 1280x720, of %2 pixels a side at most")
+                   .arg(text, QString::number(largestSize)));
+    return size;
 }
 
 QString readScreenshot(const QString &text)

@@ -26,6 +26,8 @@ void PageConsole::watch(const QObject *view)
 
 void PageConsole::show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file)
 {
+    if (m_stopped)
+        return;
     const QString kind = level == ErrorLevel ? "console error" : level == WarningLevel ? "console warning" : "console";
     QString text = message.size() > longestMessage ? message.left(longestMessage) + "..." : message;
     for (QChar &character : text) {

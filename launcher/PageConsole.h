@@ -13,6 +13,8 @@ class PageConsole : public QObject
 public:
     /// Shows the console of the page in a web view.
     void watch(const QObject *view);
+    /// Shows no more: what a page says while it is destroyed is about objects that have gone before it.
+    void stop() { m_stopped = true; }
 
 private:
     // As in the web engine's QWebPage. The launcher is not linked to the engine, so that it starts faster.
@@ -23,4 +25,7 @@ private slots:
     // The engine's signal does not qualify the types, and is connected by their names.
     // clazy:excludeall=fully-qualified-moc-types
     void show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file);
+
+private:
+    bool m_stopped = false;
 };

@@ -48,6 +48,7 @@ void PluginHost::destroy()
     if (m_application)
         m_application->hide();
     m_application = nullptr;
+    m_console.stop();
     delete m_instance;
 }
 
