@@ -76,18 +76,18 @@ void MpvCore::setOption(const char *name, const std::string &value)
 void MpvCore::set(const char *property, const std::string &value)
 {
     const char *text = value.c_str();
-    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_STRING, &text);
+    count(mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_STRING, &text));
 }
 
 void MpvCore::set(const char *property, bool value)
 {
     int flag = value ? 1 : 0;
-    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_FLAG, &flag);
+    count(mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_FLAG, &flag));
 }
 
 void MpvCore::set(const char *property, double value)
 {
-    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+    count(mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value));
 }
 
 void MpvCore::command(const std::vector<std::string> &words)
@@ -97,7 +97,7 @@ void MpvCore::command(const std::vector<std::string> &words)
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);
-    mpv_command_async(m_handle, 0, arguments.data());
+    count(mpv_command_async(m_handle, 0, arguments.data()));
 }
 
 void MpvCore::addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open)
@@ -127,7 +127,7 @@ void MpvCore::load(const std::string &address, const Options &options, std::uint
     mpv_node command = {};
     command.format = MPV_FORMAT_NODE_ARRAY;
     command.u.list = &wordList;
-    mpv_command_node_async(m_handle, tag, &command);
+    count(mpv_command_node_async(m_handle, tag, &command));
 }
 
 void MpvCore::observe(const char *property, mpv_format format, std::uint64_t tag)
@@ -142,7 +142,16 @@ void MpvCore::unobserve(std::uint64_t tag)
 
 const mpv_event *MpvCore::nextEvent(double timeout)
 {
-    return mpv_wait_event(m_handle, timeout);
+    const mpv_event *event = mpv_wait_event(m_handle, timeout);
+    if (event->event_id == MPV_EVENT_SET_PROPERTY_REPLY || event->event_id == MPV_EVENT_COMMAND_REPLY)
+        --m_repliesDue;
+    return event;
+}
+
+void MpvCore::count(int result)
+{
+    if (result >= 0)
+        ++m_repliesDue;
 }
 
 void MpvCore::wakeUp()

@@ -46,6 +46,10 @@ public:
     void observe(const char *property, mpv_format format, std::uint64_t tag);
     void unobserve(std::uint64_t tag);
 
+    /// True while so much is to be done that events are to be taken before more is ordered: libmpv refuses orders when
+    /// 1,000 replies are due.
+    bool isBusy() const { return m_repliesDue > 500; }
+
     /// Waits for the next event, at most for this many seconds. Valid until the next call.
     const mpv_event *nextEvent(double timeout);
 
@@ -54,8 +58,10 @@ public:
 
 private:
     void setOption(const char *name, const std::string &value);
+    void count(int result);
 
     mpv_handle *m_handle = nullptr;
+    int m_repliesDue = 0;
 };
 
 } // namespace Desk

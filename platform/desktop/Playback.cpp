@@ -7,17 +7,34 @@
 
 #include <algorithm>
 #include <cmath>
+#include <strings.h>
 #include <sys/stat.h>
 
 using namespace Desk;
 
 namespace {
 
+const char *const networkSchemes[] = {"ftp",   "http",  "https", "mms",    "mmsh",   "mmst", "rist", "rtmp",
+                                      "rtmpe", "rtmps", "rtmpt", "rtmpte", "rtmpts", "rtp",  "rtsp", "rtsps",
+                                      "sftp",  "srt",   "srtp",  "tcp",    "tls",    "udp"};
+
 // What else a path may stand for might never end or never begin. Of a path to nothing, the core tells the reason.
 bool isFileOrNothing(const std::string &path)
 {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode);
+    return path != "-" && (::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode));
+}
+
+// Addresses of any other scheme are for a program's own use: the core would, say, close a file of the box's that it has
+// open for "fdclose://3".
+bool isPlayable(const std::string &address)
+{
+    const std::size_t colon = address.find("://");
+    if (colon == std::string::npos || address.front() == '/')
+        return isFileOrNothing(address);
+    const std::string scheme = address.substr(0, colon);
+    return std::any_of(std::begin(networkSchemes), std::end(networkSchemes),
+                       [&](const char *known) { return ::strcasecmp(scheme.c_str(), known) == 0; });
 }
 
 std::string toSeconds(long long value)
@@ -59,8 +76,8 @@ void Playback::open(const PlayRequest &request, unsigned number)
     if (request.kind == PlayRequest::Magnet) {
         m_magnet = std::make_shared<MagnetDownload>(request.address, request.torrentFile);
         m_magnetStream.setDownload(m_magnet);
-    } else if (request.kind == PlayRequest::File && !isFileOrNothing(request.address)) {
-        fail("it is not a file");
+    } else if (!isPlayable(request.address)) {
+        fail("it is not a file or a stream of the network");
     } else {
         load(request.address);
     }
@@ -74,7 +91,7 @@ void Playback::load(const std::string &address)
         options.emplace_back("start", std::to_string(m_request.start));
     for (const std::string &header : m_request.headers)
         options.emplace_back("http-header-fields-append", header);
-    if (!m_request.subtitles.empty() && isFileOrNothing(m_request.subtitles))
+    if (!m_request.subtitles.empty() && isPlayable(m_request.subtitles))
         options.emplace_back("sub-files-append", m_request.subtitles);
     if (m_request.kind == PlayRequest::Rtsp)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");

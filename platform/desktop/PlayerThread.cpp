@@ -99,6 +99,12 @@ PlayerThread::Wakeable::~Wakeable()
     m_thread.m_core = nullptr;
 }
 
+bool PlayerThread::isClosing()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_closing;
+}
+
 bool PlayerThread::takeTasks(std::vector<Task> &tasks)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -112,8 +118,11 @@ void PlayerThread::run()
         Playback playback(*m_model, *m_window);
         const Wakeable wakeable(*this, playback.core());
         for (std::vector<Task> tasks; takeTasks(tasks); tasks.clear()) {
-            for (const Task &task : tasks)
+            for (const Task &task : tasks) {
+                while (playback.core().isBusy() && !isClosing())
+                    playback.work();
                 task(playback);
+            }
             playback.work();
         }
     } catch (const std::exception &exception) {

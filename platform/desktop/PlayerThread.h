@@ -51,6 +51,7 @@ private:
     };
 
     void run();
+    bool isClosing();
     bool takeTasks(std::vector<Task> &tasks);
 
     const std::shared_ptr<PlayerModel> m_model;

@@ -11,6 +11,7 @@
 #include <climits>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -46,6 +47,9 @@ private slots:
     void aFileThatNobodyWritesIsAnErrorAtOnce();
     void subtitlesThatCannotBeReadDoNotHinderTheFilm_data();
     void subtitlesThatCannotBeReadDoNotHinderTheFilm();
+    void whatTheBoxHasOpenIsNoStream_data();
+    void whatTheBoxHasOpenIsNoStream();
+    void manyOrdersAtOnceAreAllCarriedOut();
     void longTextsAreErrors();
     void aPlayerThatFindsNoFilesLeftPlaysLater_data();
     void aPlayerThatFindsNoFilesLeftPlaysLater();
@@ -171,6 +175,8 @@ void TestDeskMisuse::subtitlesThatCannotBeReadDoNotHinderTheFilm_data()
     QTest::newRow("a device without end") << QByteArray("/dev/zero");
     QTest::newRow("a folder") << QByteArray("/mnt/stb");
     QTest::newRow("a film") << QByteArray(bars);
+    QTest::newRow("the box's own input") << QByteArray("-");
+    QTest::newRow("a scheme of the core's own") << QByteArray("fdclose://0");
     QTest::newRow("a long name") << "/mnt/stb/" + QByteArray(100000, 's');
 }
 
@@ -181,6 +187,43 @@ void TestDeskMisuse::subtitlesThatCannotBeReadDoNotHinderTheFilm()
     QCOMPARE(playFile(m_id, bars, subtitles), int(KVR_OK));
     checkPlaying();
     QVERIFY2(log.text().contains("no subtitles in " + QString::fromUtf8(subtitles)), qPrintable(log.text().left(500)));
+}
+
+void TestDeskMisuse::whatTheBoxHasOpenIsNoStream_data()
+{
+    QTest::addColumn<QByteArray>("address");
+    for (const char *address : {"-", "fd://%1", "fdclose://%1", "FDClose://%1", "lavf://fdclose://%1",
+                                "ffmpeg://pipe:%1", "av://lavfi:testsrc", "memory://x", "file:///dev/zero"})
+        QTest::newRow(address) << QByteArray(address);
+}
+
+void TestDeskMisuse::whatTheBoxHasOpenIsNoStream()
+{
+    QFETCH(QByteArray, address);
+    QFile film(bars);
+    QVERIFY(film.open(QIODevice::ReadOnly));
+    address.replace("%1", QByteArray::number(film.handle()));
+    const ErrorOutput log;
+    QCOMPARE(KVR_PlayStream(m_id, address, -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ERROR));
+    QVERIFY2(log.text().contains("it is not a file or a stream of the network"), qPrintable(log.text()));
+    QCOMPARE(::lseek(film.handle(), 0, SEEK_CUR), off_t(0));
+}
+
+void TestDeskMisuse::manyOrdersAtOnceAreAllCarriedOut()
+{
+    playFile(m_id, bars);
+    checkPlaying();
+    for (int i = 0; i < 5000; ++i)
+        KVR_SetZoom(m_id, 1 + i % 2);
+    QCOMPARE(KVR_Pause(m_id), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    QTest::qWait(200);
+    const long long position = KVR_GetPosition(m_id);
+    QTest::qWait(500);
+    QCOMPARE(KVR_GetPosition(m_id), position);
+    QCOMPARE(playFile(m_id, bars), int(KVR_OK));
+    checkPlaying();
 }
 
 void TestDeskMisuse::longTextsAreErrors()
