@@ -9,13 +9,19 @@
 
 bool DialogPlacer::eventFilter(QObject *object, QEvent *event)
 {
-    if (event->type() == QEvent::Show) {
+    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
         auto *dialog = qobject_cast<QDialog *>(object);
         if (dialog && dialog->graphicsProxyWidget() && dialog->parentWidget()) {
-            focusFirstChild(dialog);
-            // When it is shown, and Qt has placed it as if the screen were a desktop.
-            m_dialog = dialog;
-            QTimer::singleShot(0, this, SLOT(place()));
+            if (event->type() == QEvent::Show) {
+                focusFirstChild(dialog);
+                // When it is shown, and Qt has placed it as if the screen were a desktop.
+                m_dialog = dialog;
+                QTimer::singleShot(0, this, SLOT(place()));
+            } else {
+                // When it is gone, and the scene has given its keys to nobody.
+                m_parent = dialog->parentWidget();
+                QTimer::singleShot(0, this, SLOT(returnKeys()));
+            }
         }
     }
     return QObject::eventFilter(object, event);
@@ -28,6 +34,14 @@ void DialogPlacer::place()
     const QWidget *parent = m_dialog->parentWidget();
     const QPoint center = parent->mapTo(parent->window(), parent->rect().center());
     m_dialog->graphicsProxyWidget()->setPos(center - m_dialog->rect().center());
+}
+
+void DialogPlacer::returnKeys()
+{
+    if (!m_parent || !m_parent->window()->graphicsProxyWidget())
+        return;
+    m_parent->window()->graphicsProxyWidget()->setFocus();
+    m_parent->setFocus();
 }
 
 void DialogPlacer::focusFirstChild(QDialog *dialog)

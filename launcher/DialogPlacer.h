@@ -7,8 +7,8 @@
 #include <QObject>
 #include <QPointer>
 
-/// Puts the plugin's dialogs in the middle of their parents and gives them the keys, as the window system of a desktop
-/// does with windows of its own. Filters the application's events.
+/// Puts the plugin's dialogs in the middle of their parents and gives them the keys, and back, as the window system of
+/// a desktop does with windows of its own. Filters the application's events.
 class DialogPlacer : public QObject
 {
     Q_OBJECT
@@ -20,9 +20,11 @@ public:
 
 private slots:
     void place();
+    void returnKeys();
 
 private:
     static void focusFirstChild(QDialog *dialog);
 
     QPointer<QDialog> m_dialog; // the latest
+    QPointer<QWidget> m_parent; // of the dialog closed last
 };

@@ -40,6 +40,8 @@ private slots:
     void boxesWithDifferentDirectoriesRunSideBySide();
     void keysReachThePage();
     void keysReachTheAddressDialog();
+    void keysReachThePageAfterADialog_data();
+    void keysReachThePageAfterADialog();
     void theDialogMayBeOpenAtTheEnd();
     void aRebootStartsOverAndGoesOn();
     void aWindowWithAllItsCompanionsOpens();
@@ -213,6 +215,33 @@ void TestKavroBox::keysReachTheAddressDialog()
         run({"--keys", "Ctrl+L wait:300 Ctrl+A text:" + address + " Return wait:500 F1", m_server->url().toString()}),
         0);
     QCOMPARE(told(), QStringList("other"));
+}
+
+void TestKavroBox::keysReachThePageAfterADialog_data()
+{
+    QTest::addColumn<QString>("open");
+    QTest::addColumn<QString>("close");
+    QTest::newRow("alert") << "A"
+                           << "Return";
+    QTest::newRow("confirm") << "B"
+                             << "Escape";
+    QTest::newRow("prompt") << "C"
+                            << "text:x Return";
+    QTest::newRow("address") << "Ctrl+L"
+                             << "Escape";
+}
+
+void TestKavroBox::keysReachThePageAfterADialog()
+{
+    QFETCH(const QString, open);
+    QFETCH(const QString, close);
+    m_server->serve("/",
+                    page("document.onkeyup = function (event) { switch (event.keyCode) {"
+                         "case 65: alert(1); break; case 66: confirm(2); break; case 67: prompt(3); break;"
+                         "case 38: tell('Up'); } };"));
+    const QString keys = QString("%1 wait:400 %2 wait:400 Up wait:300 F1").arg(open, close);
+    QCOMPARE(run({"--keys", keys, m_server->url().toString()}), 0);
+    QCOMPARE(told(), QStringList("Up"));
 }
 
 void TestKavroBox::theDialogMayBeOpenAtTheEnd()
