@@ -15,12 +15,9 @@ void PageConsole::watch(const QObject *view)
 {
     const QObjectList &children = view->children();
     for (const QObject *child : children) {
-        // Signatures are compared without blanks.
-        // clang-format off
         if (child->inherits("QWebPage"))
-            connect(child, SIGNAL(consoleMessageReceived(MessageSource,MessageLevel,QString,int,QString)),
-                    SLOT(show(MessageSource,MessageLevel,QString,int,QString)));
-        // clang-format on
+            connect(child, SIGNAL(consoleMessageReceived(MessageSource, MessageLevel, QString, int, QString)),
+                    SLOT(show(MessageSource, MessageLevel, QString, int, QString)));
     }
 }
 
