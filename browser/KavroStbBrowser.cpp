@@ -13,6 +13,7 @@
 #include "browser/RecordTimes.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
+#include "browser/WorkerRemover.h"
 #include "common/other/qtcompat.h"
 #include "common/other/tools.h"
 #include "config/PluginConfigParser.h"
@@ -175,6 +176,7 @@ void KavroStbBrowser::connectPageToPlatform()
     connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
+    new WorkerRemover(page());
     connect(media, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(deprecatedMedia, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }

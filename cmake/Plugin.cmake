@@ -21,6 +21,7 @@ add_library(kavrostbbrowser MODULE
     browser/RecordTimes.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
+    browser/WorkerRemover.cpp
     config/DirectfbrcParser.cpp
     config/PluginConfigParser.cpp
     config/SystemSettings.cpp

@@ -102,6 +102,7 @@ private slots:
     void guardsWorkOnInALoop();
     void callsMayBeRefusedAgainAndAgain_data();
     void callsMayBeRefusedAgainAndAgain();
+    void pagesHaveNoWorkers();
     void changedPrototypesChangeNothing_data();
     void changedPrototypesChangeNothing();
     void posingObjectsAreNotPassedOn_data();
@@ -358,6 +359,19 @@ void TestPageSafety::callsMayBeRefusedAgainAndAgain()
     QFETCH(const QString, call);
     for (const char *way : RefusedCalls::ways)
         QCOMPARE(result(RefusedCalls::script(call, way)), QString::number(RefusedCalls::times));
+}
+
+void TestPageSafety::pagesHaveNoWorkers()
+{
+    QVERIFY(m_session->plugin().loadHtml("<script>var inHead = typeof Worker</script>"
+                                         "<iframe srcdoc='<script>parent.inFrame = typeof Worker</script>'></iframe>"));
+    QCOMPARE(result("[inHead, inFrame, 'Worker' in window].join()"), QString("\"undefined,undefined,false\""));
+    QCOMPARE(result("var frame = document.createElement('iframe'); document.body.appendChild(frame);"
+                    "frame.contentDocument.write('<script>var written = typeof Worker</' + 'script>');"
+                    "[typeof frame.contentWindow.Worker, frame.contentWindow.written].join()"),
+             QString("\"undefined,undefined\""));
+    m_session->plugin().evaluate("location = 'about:blank'");
+    QTRY_COMPARE(result("typeof frame + typeof Worker"), QString("\"undefinedundefined\""));
 }
 
 void TestPageSafety::changedPrototypesChangeNothing_data()
