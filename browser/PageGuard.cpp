@@ -10,18 +10,18 @@ namespace {
 // that take a Date or an object; those parameters are guarded. What a guard passes on in place of an object is what the
 // slot would have made of it.
 //
-// No function here returns a call's result directly. The engine would give up its frame for the call, and without it
-// crashes if the call throws. It is told not to (see PluginWrapper), but a launcher may have started it before.
+// No function here returns a call's result directly, nor calls one of the language's own that does, such as call and
+// bind make. The engine would give up the frame for such a call, and without it crashes if the call throws. It is told
+// not to (see PluginWrapper), but a launcher may have started it before.
 //
 // The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the
 // language that they use are taken before the page's first script runs.
 const char script[] = R"js(
 (function () {
     'use strict';
-    var call = Function.prototype.call;
     var apply = Reflect.apply;
-    var classOf = call.bind(Object.prototype.toString);
-    var timeOf = call.bind(Date.prototype.getTime);
+    var toString = Object.prototype.toString;
+    var getTime = Date.prototype.getTime;
     var isArray = Array.isArray;
     var arrayFrom = Array.from;
     var define = Object.defineProperty;
@@ -35,9 +35,9 @@ const char script[] = R"js(
     // is never passed on itself. Trying all readers would do as well, but the engine's compiler loses exceptions that a
     // function catches.
     var readers = create(null);
-    readers['[object String]'] = call.bind(String.prototype.valueOf);
-    readers['[object Number]'] = call.bind(Number.prototype.valueOf);
-    readers['[object Boolean]'] = call.bind(Boolean.prototype.valueOf);
+    readers['[object String]'] = String.prototype.valueOf;
+    readers['[object Number]'] = Number.prototype.valueOf;
+    readers['[object Boolean]'] = Boolean.prototype.valueOf;
 
     function isObject(value) {
         return value !== null && (typeof value === 'object' || typeof value === 'function');
@@ -46,13 +46,13 @@ const char script[] = R"js(
     // What an object holds, as a value that the engine converts safely: a Date of our own, onInvalid for one that holds
     // no time, a text, a number or a yes or no. Undefined for all other objects.
     function held(object, onInvalid) {
-        var kind = classOf(object);
+        var kind = apply(toString, object, []);
         if (kind === '[object Date]') {
-            var time = timeOf(object);
+            var time = apply(getTime, object, []);
             return time === time ? new DateObject(time) : onInvalid;
         }
         var read = readers[kind];
-        var value = read ? read(object) : undefined;
+        var value = read ? apply(read, object, []) : undefined;
         return value;
     }
 

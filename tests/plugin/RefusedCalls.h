@@ -20,7 +20,7 @@ const char *const ways[] = {"%1(%2)",
                             "(function () { 'use strict'; return apply(%1, null, [%2]); })()"};
 
 /// A script that gives how many of the calls were refused. In arguments, posing(tag) is an object that looks like one
-/// of another class.
+/// of another class, and tooLong a list of more entries than are taken.
 inline QString script(const QString &call, const char *way)
 {
     const int bracket = call.indexOf('(');
@@ -29,7 +29,7 @@ inline QString script(const QString &call, const char *way)
     const QString onNothing = arguments.isEmpty() ? "null" : "null, " + arguments;
     return QString("(function () { var apply = Function.prototype.call.bind(Function.prototype.apply);"
                    "function posing(tag) { var object = {}; object[Symbol.toStringTag] = tag; return object; }"
-                   "var refused = 0; for (var i = 0; i < %1; ++i) {"
+                   "var tooLong = new Array(100001), refused = 0; for (var i = 0; i < %1; ++i) {"
                    "try { %2; } catch (error) { ++refused; } } return refused; })()")
         .arg(times)
         .arg(QString(way).arg(method, arguments, onNothing));
