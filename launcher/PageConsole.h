@@ -18,8 +18,8 @@ public:
 
 private:
     // As in the web engine's QWebPage. The launcher is not linked to the engine, so that it starts faster.
-    enum MessageSource { XmlSource, ScriptSource };
-    enum MessageLevel { LogLevel = 1, WarningLevel, ErrorLevel };
+    enum MessageSource : unsigned {};
+    enum MessageLevel : unsigned { WarningLevel = 2, ErrorLevel = 3 };
 
 private slots:
     // The engine's signal does not qualify the types, and is connected by their names.
