@@ -187,13 +187,9 @@ void RecordScheduler::save(RecordStore &store, const Record &record)
 
 void RecordScheduler::saveUnsaved(RecordStore &store)
 {
-    const std::set<KVR_ID> unsaved = std::move(m_unsaved);
-    m_unsaved.clear();
-    for (const KVR_ID id : unsaved) {
-        const auto found = m_records.find(id);
-        if (found != m_records.end())
-            save(store, found->second);
-    }
+    const std::set<KVR_ID> unsaved = m_unsaved;
+    for (const KVR_ID id : unsaved)
+        save(store, m_records.at(id));
 }
 
 void RecordScheduler::change(RecordStore &store, Record &record, KVR_RecordState state)
@@ -328,6 +324,7 @@ bool RecordScheduler::forget(RecordStore &store, KVR_ID id)
     if (!store.remove(id))
         return false;
     m_records.erase(id);
+    m_unsaved.erase(id);
     changed(id);
     return true;
 }
