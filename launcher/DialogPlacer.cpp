@@ -9,22 +9,21 @@
 
 bool DialogPlacer::eventFilter(QObject *object, QEvent *event)
 {
-    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
-        auto *dialog = qobject_cast<QDialog *>(object);
-        if (dialog && dialog->graphicsProxyWidget() && dialog->parentWidget()) {
-            if (event->type() == QEvent::Show) {
-                focusFirstChild(dialog);
-                // When it is shown, and Qt has placed it as if the screen were a desktop.
-                m_dialog = dialog;
-                QTimer::singleShot(0, this, SLOT(place()));
-            } else {
-                // When it is gone, and the scene has given its keys to nobody.
-                m_parent = dialog->parentWidget();
-                QTimer::singleShot(0, this, SLOT(returnKeys()));
-            }
-        }
+    const bool isShown = event->type() == QEvent::Show;
+    auto *dialog = isShown || event->type() == QEvent::Hide ? qobject_cast<QDialog *>(object) : nullptr;
+    if (!dialog || !dialog->graphicsProxyWidget() || !dialog->parentWidget())
+        return false;
+    if (isShown) {
+        focusFirstChild(dialog);
+        // When it is shown, and Qt has placed it as if the screen were a desktop.
+        m_dialog = dialog;
+        QTimer::singleShot(0, this, SLOT(place()));
+    } else {
+        // When it is gone, and the scene has given its keys to nobody.
+        m_parent = dialog->parentWidget();
+        QTimer::singleShot(0, this, SLOT(returnKeys()));
     }
-    return QObject::eventFilter(object, event);
+    return false;
 }
 
 void DialogPlacer::place()

@@ -11,7 +11,7 @@ const int longestMessage = 2000; // characters
 
 } // namespace
 
-void PageConsole::watch(const QObject *view)
+PageConsole::PageConsole(const QObject *view)
 {
     const QObjectList &children = view->children();
     for (const QObject *child : children) {
@@ -23,8 +23,6 @@ void PageConsole::watch(const QObject *view)
 
 void PageConsole::show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file)
 {
-    if (m_stopped)
-        return;
     const QString kind = level == ErrorLevel ? "console error" : level == WarningLevel ? "console warning" : "console";
     QString text = message.size() > longestMessage ? message.left(longestMessage) + "..." : message;
     for (QChar &character : text) {

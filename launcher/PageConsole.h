@@ -11,10 +11,8 @@ class PageConsole : public QObject
     Q_OBJECT
 
 public:
-    /// Shows the console of the page in a web view.
-    void watch(const QObject *view);
-    /// Shows no more: what a page says while it is destroyed is about objects that have gone before it.
-    void stop() { m_stopped = true; }
+    /// Of the page in a web view.
+    explicit PageConsole(const QObject *view);
 
 private:
     // As in the web engine's QWebPage. The launcher is not linked to the engine, so that it starts faster.
@@ -25,7 +23,4 @@ private slots:
     // The engine's signal does not qualify the types, and is connected by their names.
     // clazy:excludeall=fully-qualified-moc-types
     void show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file);
-
-private:
-    bool m_stopped = false;
 };

@@ -48,7 +48,7 @@ void PluginHost::destroy()
     if (m_application)
         m_application->hide();
     m_application = nullptr;
-    m_console.stop();
+    m_console.reset(); // what the page says from here on is about objects that have gone before it
     delete m_instance;
 }
 
@@ -59,7 +59,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         QObject *child = static_cast<QChildEvent *>(event)->child();
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
-            m_console.watch(child);
+            m_console = std::make_unique<PageConsole>(child);
             QTimer::singleShot(0, this, SIGNAL(started()));
         }
     }

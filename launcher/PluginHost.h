@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <memory>
+
 class CStbApplication;
 
 /// The launcher's side of the plugin's interface: loads the plugin, starts it, learns that it has finished, destroys
@@ -41,6 +43,6 @@ protected:
 
 private:
     QPointer<QObject> m_instance;
-    PageConsole m_console;
+    std::unique_ptr<PageConsole> m_console;
     CStbApplication *m_application = nullptr;
 };

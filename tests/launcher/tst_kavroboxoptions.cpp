@@ -100,6 +100,8 @@ void TestKavroBoxOptions::wrongUsageIsRefusedInOneLine_data()
     QTest::newRow("negative time") << QStringList{"--exit-after", "-1"} << QByteArray("--exit-after \"-1\"");
     QTest::newRow("endless time") << QStringList{"--exit-after", "inf"} << QByteArray("--exit-after \"inf\"");
     QTest::newRow("size that is none") << QStringList{"--size", "large"} << QByteArray("--size \"large\"");
+    QTest::newRow("size beyond all windows")
+        << QStringList{"--size", "99999x99999"} << QByteArray("16384 pixels a side at most");
     QTest::newRow("size of nothing") << QStringList{"--size", "0x0"} << QByteArray("--size \"0x0\"");
     QTest::newRow("unknown key") << QStringList{"--keys", "Up Dwon"} << QByteArray("--keys \"Dwon\"");
     QTest::newRow("screenshot nowhere") << QStringList{"--screenshot", "/nonexistent/a.png"}

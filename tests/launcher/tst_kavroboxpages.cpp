@@ -175,7 +175,8 @@ void TestKavroBoxPages::thePagesConsoleIsShown()
     m_server->serve("/",
                     page("console.log('one\\ntwo'); console.warn('three');\n"
                          "console.error(new Array(3001).join('x'));\n"
-                         "onload = function () { leave(100); missing(); };"));
+                         "onload = function () { leave(100); missing(); };"
+                         "onunload = function () { StbMedia.Pause(1); };"));
     QCOMPARE(run({m_server->url().toString()}), 0);
     const QByteArray start = "kavro-box: console";
     const QByteArray address = " (" + m_server->url().toEncoded() + ":";
