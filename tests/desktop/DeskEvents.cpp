@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <QSemaphore>
 
 #include <fcntl.h>
 #include <mutex>
@@ -64,6 +65,24 @@ void forEachHandler(KVR_ID id, Call call)
     }
 }
 
+Q_GLOBAL_STATIC(QSemaphore, arrived)
+
+// All events come in order: with a new one come those before it.
+void awaitThoseSent()
+{
+    const KVR_EventHandler previous = KVR_GetEventHandler(KVR_BOX, KVR_EVENT_SYNC_DONE);
+    KVR_RegisterEventHandler(KVR_BOX, KVR_EVENT_SYNC_DONE, [](int) {
+        arrived->release();
+        return 0;
+    });
+    if (KVR_SyncBootParams() == KVR_OK)
+        arrived->acquire();
+    if (previous)
+        KVR_RegisterEventHandler(KVR_BOX, KVR_EVENT_SYNC_DONE, previous);
+    else
+        KVR_DeleteEventHandler(KVR_BOX, KVR_EVENT_SYNC_DONE);
+}
+
 } // namespace
 
 DeskEvents::DeskEvents(KVR_ID id)
@@ -98,6 +117,7 @@ QList<DeskEvents::Event> DeskEvents::of(int type)
 
 void DeskEvents::clear()
 {
+    awaitThoseSent();
     const std::lock_guard<std::mutex> lock(mutex);
     events->clear();
     timer.start();

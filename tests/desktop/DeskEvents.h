@@ -30,6 +30,8 @@ public:
     static QList<Event> all();
     static QList<Event> of(int type);
     static int count(int type) { return of(type).size(); }
+
+    /// Forgets all that were sent so far, also those still on their way.
     static void clear();
 
     /// Has every event handled by a call of this; null for none.
