@@ -169,9 +169,9 @@ void TestDeskRecordings::aRecordingRunsAtItsTime()
 void TestDeskRecordings::aRecordingWhoseTimeHasBegunStartsAtOnce()
 {
     const Channel channel;
-    const KVR_ID id = KVR_AddRecord(channel.address, "/mnt/stb/films/of/today.ts", now() - 3600, 2);
+    const KVR_ID id = KVR_AddRecord(channel.address, "/mnt/stb/films/of/today.ts", now() - 3600, 4);
     QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_RUNNING));
-    QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_DONE));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(id), int(KVR_RECORD_DONE), 20000);
     QCOMPARE(RecordedFile("/mnt/stb/films/of/today.ts").pids, TestMedia::barsPids());
 }
 
@@ -396,7 +396,7 @@ void TestDeskRecordings::noCallWaitsForARecording()
     std::vector<double> times;
     QElapsedTimer total;
     total.start();
-    while (total.elapsed() < 2000) {
+    while (total.elapsed() < 2000 || times.size() < 400) {
         KVR_ID id = -1;
         const std::array<std::function<void()>, 4> calls = {
             [&] { id = KVR_AddRecord("udp://127.0.0.1:45455", "new.ts", now() + 3600, 60); },
@@ -414,7 +414,6 @@ void TestDeskRecordings::noCallWaitsForARecording()
     }
     std::sort(times.begin(), times.end());
     const double worst = times[times.size() * 99 / 100];
-    QVERIFY2(times.size() > 400, "enough calls for a percentile");
     QVERIFY2(worst <= 20, qPrintable(QString("99th percentile %1 ms").arg(worst)));
 }
 

@@ -27,8 +27,9 @@ void TestWatchedRun::theOutcomeTellsHowTheProcessEnded_data()
 {
     QTest::addColumn<Body>("body");
     QTest::addColumn<QString>("fault");
-    const auto row = [](const char *name, Body body, const char *fault) {
-        QTest::newRow(name) << body << QString(fault);
+    QTest::addColumn<int>("longestAction");
+    const auto row = [](const char *name, Body body, const char *fault, int longestAction = 60000) {
+        QTest::newRow(name) << body << QString(fault) << longestAction;
     };
     row(
         "good end", [](ActionLog *) {}, "");
@@ -39,7 +40,7 @@ void TestWatchedRun::theOutcomeTellsHowTheProcessEnded_data()
     row(
         "early exit", [](ActionLog *) { std::_Exit(0); }, "left before the end");
     row(
-        "hang", [](ActionLog *) { QThread::sleep(60); }, "did not come to an end within 1 s");
+        "hang", [](ActionLog *) { QThread::sleep(60); }, "did not come to an end within 1 s", 1000);
     row(
         "slow, but going on",
         [](ActionLog *log) {
@@ -48,7 +49,7 @@ void TestWatchedRun::theOutcomeTellsHowTheProcessEnded_data()
                 QThread::msleep(100);
             }
         },
-        "");
+        "", 1000);
     row(
         "growth",
         [](ActionLog *) {
@@ -62,7 +63,8 @@ void TestWatchedRun::theOutcomeTellsHowTheProcessEnded()
 {
     QFETCH(const Body, body);
     std::signal(SIGSEGV, SIG_DFL); // not QtTest's own
-    QTEST(WatchedRun::run(body, {1000, 300 << 20}).fault, "fault");
+    QFETCH(const int, longestAction);
+    QTEST(WatchedRun::run(body, {longestAction, 300 << 20}).fault, "fault");
 }
 
 void TestWatchedRun::theLatestActionsOutliveTheProcess()

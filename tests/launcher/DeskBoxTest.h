@@ -27,6 +27,9 @@ protected:
     /// What pages have told.
     QStringList told() const;
 
+    /// How long a box on a busy machine may take to show what is waited for, in milliseconds.
+    static constexpr int patience = 60000;
+
     QScopedPointer<QTemporaryDir> m_folder;
     QString m_box;
     QString m_picture;

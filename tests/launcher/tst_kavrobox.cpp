@@ -113,7 +113,7 @@ void TestKavroBox::aSignalEndsItCleanly()
     QFETCH(int, signalNumber);
     m_server->serve("/", page("onload = function () { tell('loaded'); };", "<body bgcolor=red>"));
     begin({m_server->url().toString()});
-    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), patience);
     QTest::qWait(100);
     kill(pid_t(m_program->processId()), signalNumber);
     QCOMPARE(m_program->finish(), 0);
@@ -152,7 +152,7 @@ void TestKavroBox::itIsKilledWithTheProcessThatStartedIt()
 {
     m_server->serve("/", page("setInterval(function () { tell('alive'); }, 20);"));
     begin({m_server->url().toString()});
-    QTRY_VERIFY_WITH_TIMEOUT(!told().isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!told().isEmpty(), patience);
     m_program->kill();
     QCOMPARE(m_program->finish(), -2);
     const auto isSilent = [this] {
@@ -167,7 +167,7 @@ void TestKavroBox::aSecondStartOnTheSameDirectorySaysSoAndLeaves()
 {
     m_server->serve("/", page("tell('loaded');"));
     begin({m_server->url().toString()});
-    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), patience);
     Program second(kavroBox);
     QCOMPARE(second.run(m_usual + QStringList{"--exit-after", "0", "about:blank"}), 4);
     QCOMPARE(second.errors(),
@@ -189,7 +189,7 @@ void TestKavroBox::boxesWithDifferentDirectoriesRunSideBySide()
     Program second(kavroBox);
     second.setArguments({"--headless", "--box", m_folder->filePath("other"), m_server->url("/second").toString()});
     second.start();
-    QTRY_VERIFY_WITH_TIMEOUT(told().contains("first") && told().contains("second"), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(told().contains("first") && told().contains("second"), patience);
     second.terminate();
     QCOMPARE(second.finish(), 0);
     const int count = told().count("first");

@@ -143,7 +143,7 @@ void TestKavroBoxPages::tracingLastsForOneRun()
         QVERIFY(writeFile(m_box + traceLevel, before));
     m_server->serve("/", page("StbDisplay.GetAlphaLevel(); tell('called');"));
     begin({"--trace", m_server->url().toString()});
-    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("called"), 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("called"), patience);
     QCOMPARE(contentOf(m_box + traceLevel), QByteArray("1\n"));
     m_program->terminate();
     QCOMPARE(m_program->finish(), 0);

@@ -19,8 +19,7 @@ private slots:
 
 void TestSlowPage::aPageThatMakesProgressMayTakeItsTime()
 {
-    // Each part is a sign of progress, and the next comes 3 seconds later.
-    // One script after the other, each of 2 to 3 seconds.
+    // One script after the other, each of 2 to 3 seconds and a sign of progress.
     HttpServer server;
     server.serve("/", "<title>Portal</title><script src='/1.js'></script>");
     for (int i = 1; i <= 3; ++i) {

@@ -84,7 +84,7 @@ QImage TestPortalOnBox::screenAfter(const QString &keys, const Check &isExpected
 {
     const QString picture = m_folder->filePath("screen.png");
     QImage screen;
-    for (const char *seconds : {"3", "6", "16"}) {
+    for (const char *seconds : {"3", "6", "16", "40"}) {
         Program box("bin/kavro-box");
         const int status = box.run({"--headless", "--box", m_folder->filePath("box"), "--screenshot", picture,
                                     "--exit-after", seconds, "--keys", keys});

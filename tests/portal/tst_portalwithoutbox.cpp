@@ -91,7 +91,7 @@ void TestPortalWithoutBox::everyScreenOpensWithoutAScriptError()
     QSignalSpy loaded(&view, &QWebView::loadFinished);
     view.load(PortalPage::url());
     view.show();
-    QVERIFY(loaded.wait());
+    QVERIFY(loaded.wait(30000));
     for (const int key : qAsConst(keys))
         QTest::sendKeyEvent(QTest::Click, &view, Qt::Key(key), QString(), Qt::NoModifier);
     QCOMPARE(page->complaints, QStringList());
