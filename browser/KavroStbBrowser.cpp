@@ -9,7 +9,7 @@
 #include "browser/EventNotifier.h"
 #include "browser/JsApiTracer.h"
 #include "browser/PageEvents.h"
-#include "browser/PageGuard.h"
+#include "browser/PageGuards.h"
 #include "browser/RecordTimes.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
@@ -84,6 +84,7 @@ void dropScriptConnections(QObject *object)
 KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     : QWebView(parent)
     , pageEvents(nullptr)
+    , pageGuards(nullptr)
     , retryCount(0)
     , errorPageMode(false)
     , lastKeyTime(QTime::currentTime())
@@ -105,8 +106,8 @@ KavroStbBrowser::KavroStbBrowser(QWidget *parent)
 KavroStbBrowser::~KavroStbBrowser()
 {
     // A page that has connected a function to destroyed() would be called with an object that is no more.
-    for (QObject *object : std::as_const(scriptObjects))
-        disconnect(object, nullptr, nullptr, nullptr);
+    for (const ScriptObject &script : std::as_const(scriptObjects))
+        disconnect(script.object, nullptr, nullptr, nullptr);
     KavroJS::StbMedia::destroyInstance();
     KavroJS::StbDisplay::destroyInstance();
     KavroJS::StbPVR::destroyInstance();
@@ -149,11 +150,15 @@ void KavroStbBrowser::createScriptObjects()
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
 
-    QObject *const objects[] = {media, display, pvr, deprecatedMedia, deprecatedDisplay};
+    const ScriptObject objects[] = {{mediaName, media},
+                                    {"StbDisplay", display},
+                                    {"StbPVR", pvr},
+                                    {"stb_media", deprecatedMedia},
+                                    {"stb_display", deprecatedDisplay}};
     DeleteGuard *guard = new DeleteGuard(this);
-    for (QObject *object : objects) {
-        scriptObjects.append(object);
-        object->installEventFilter(guard);
+    for (const ScriptObject &script : objects) {
+        scriptObjects.append(script);
+        script.object->installEventFilter(guard);
     }
 }
 
@@ -176,7 +181,8 @@ void KavroStbBrowser::connectPageToPlatform()
     connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
-    new WorkerRemover(page());
+    if (QtCompat::engineNeedsGuards)
+        new WorkerRemover(page());
     connect(media, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(deprecatedMedia, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }
@@ -325,21 +331,36 @@ void KavroStbBrowser::checkDebugFile()
 void KavroStbBrowser::populateJavaScriptWindowObject()
 {
     QWebFrame *frame = page()->mainFrame();
-    if (pageEvents)
-        pageEvents->deleteLater(); // a page can be replaced from within an event
-    // They would keep the page before from being freed, and call it.
-    for (QObject *object : std::as_const(scriptObjects))
-        dropScriptConnections(object);
+    leavePage();
     pageEvents = new PageEvents(frame, QLatin1String(mediaName), this);
-    frame->addToJavaScriptWindowObject(QLatin1String(mediaName), media);
-    frame->addToJavaScriptWindowObject(QLatin1String("StbDisplay"), display);
-    frame->addToJavaScriptWindowObject(QLatin1String("StbPVR"), pvr);
-    frame->addToJavaScriptWindowObject(QLatin1String("stb_media"), deprecatedMedia);
-    frame->addToJavaScriptWindowObject(QLatin1String("stb_display"), deprecatedDisplay);
-    frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), recordTimes);
-    frame->evaluateJavaScript(pageGuardScript());
+    if (QtCompat::engineNeedsGuards) {
+        addGuards(frame);
+    } else {
+        for (const ScriptObject &script : std::as_const(scriptObjects))
+            frame->addToJavaScriptWindowObject(QLatin1String(script.name), script.object);
+    }
     frame->evaluateJavaScript(
         QLatin1String("StbMedia.SetEventCallback = function(fun) {StbMedia.eventCallback = fun;};"));
+}
+
+// A page can be replaced from within an event or a call.
+void KavroStbBrowser::leavePage()
+{
+    if (pageEvents)
+        pageEvents->deleteLater();
+    if (pageGuards)
+        pageGuards->deleteLater();
+    // They would keep the page before from being freed, and call it.
+    for (const ScriptObject &script : std::as_const(scriptObjects))
+        dropScriptConnections(script.object);
+}
+
+void KavroStbBrowser::addGuards(QWebFrame *frame)
+{
+    pageGuards = new PageGuards(frame, this);
+    for (const ScriptObject &script : std::as_const(scriptObjects))
+        pageGuards->add(QLatin1String(script.name), script.object);
+    pageGuards->finish(recordTimes);
 }
 
 void KavroStbBrowser::setJsCallback(const QString &code)

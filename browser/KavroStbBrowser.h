@@ -11,10 +11,12 @@
 
 class CaBundle;
 class PageEvents;
+class PageGuards;
 class RecordTimes;
 class QFileSystemWatcher;
 class QNetworkReply;
 class QTimer;
+class QWebFrame;
 
 namespace KavroJS {
 class StbDisplay;
@@ -72,6 +74,15 @@ private:
     void createTimers();
     void dumpPage(bool isLoaded);
     void retryOrGiveUp();
+    void leavePage();
+    void addGuards(QWebFrame *frame);
+
+    /// One of the five, and its name in pages.
+    struct ScriptObject
+    {
+        const char *name;
+        QObject *object;
+    };
 
     KavroJS::StbMedia *media;
     KavroJS::StbDisplay *display;
@@ -79,9 +90,10 @@ private:
     RecordTimes *recordTimes;
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
-    QObjectList scriptObjects; ///< the five objects
+    QList<ScriptObject> scriptObjects;
     CaBundle *caBundle;
     PageEvents *pageEvents; ///< of the current page; null before the first
+    PageGuards *pageGuards; ///< of the current page; null before the first, and where pages need none
     QString jsCallbackCode; ///< script to run after each platform event
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress

@@ -17,8 +17,10 @@ add_library(kavrostbbrowser MODULE
     browser/JsApiTracer.cpp
     browser/KavroStbBrowser.cpp
     browser/PageEvents.cpp
-    browser/PageGuard.cpp
+    browser/PageGuards.cpp
+    browser/PageScript.cpp
     browser/RecordTimes.cpp
+    browser/ScriptGuard.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
     browser/WorkerRemover.cpp

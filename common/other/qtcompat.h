@@ -22,6 +22,10 @@
 
 namespace QtCompat {
 
+/// Whether pages can crash the toolkit's web engine by what they pass to script objects, and by workers. That of Qt 4
+/// can take it.
+const bool engineNeedsGuards = QT_VERSION >= 0x050000;
+
 /// Allows TLS 1.0 only.
 inline void setTls10(QSslConfiguration &configuration)
 {

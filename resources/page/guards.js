@@ -1,0 +1,243 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// Runs in each new page of an engine that crashes at some of what a page may pass to a script object: it reads through
+// a null pointer when it converts a Date whose value is NaN, and runs out of stack when it converts an object that is
+// nested too deeply. Both happen before a slot is called, and only for parameters of types that take a Date or an
+// object. pageGuards, the plugin's PageGuards, has put an empty object of the engine's own kind in the place of each
+// script object; it gets members here that make these arguments safe and then call the script object's own. What they
+// pass on in place of an object is what the slot would have made of it.
+//
+// No function here returns a call's result directly. The engine would give up the frame for such a call, and without it
+// crashes if the call throws. It is told not to (see PluginWrapper), but a launcher may have started it before.
+//
+// The page cannot reach the objects behind the guards, nor change what the guards rely on: all functions of the
+// language that they use are taken before the page's first script runs, and called without the page's call and apply.
+(function () {
+    'use strict';
+    var pageGuards = window.pageGuards;
+    var recordTimes = window.recordTimes;
+    var define = Object.defineProperty;
+    var create = Object.create;
+    var isArray = Array.isArray;
+    var toString = Object.prototype.toString;
+    var getTime = Date.prototype.getTime;
+    var exec = RegExp.prototype.exec;
+    var apply = Function.prototype.apply;
+    var DateObject = Date;
+    var RangeErrorObject = RangeError;
+    var TypeErrorObject = TypeError;
+    var longestList = 100000;
+
+    delete window.pageGuards;
+    delete window.recordTimes;
+
+    // Calls a function of the language's own on an object, and gives its result.
+    var argument = [undefined];
+    define(argument, 'map', {value: Array.prototype.map});
+    function on(object, method, value) {
+        argument[0] = value;
+        var results = argument.map(method, object);
+        argument[0] = undefined;
+        return results[0];
+    }
+
+    // Gives an object a member as an assignment does, which is the page's to define.
+    function put(object, name, value) {
+        var member = create(null);
+        member.value = value;
+        member.writable = member.enumerable = member.configurable = true;
+        define(object, name, member);
+    }
+
+    // A page can have an object pose as one of another class. A reader of the wrong class throws, and what it poses as
+    // is never passed on itself.
+    var readers = create(null);
+    readers['[object String]'] = String.prototype.valueOf;
+    readers['[object Number]'] = Number.prototype.valueOf;
+    readers['[object Boolean]'] = Boolean.prototype.valueOf;
+
+    function isObject(value) {
+        return value !== null && (typeof value === 'object' || typeof value === 'function');
+    }
+
+    // What an object holds, as a value that the engine converts safely: a Date of our own, onInvalid for one that holds
+    // no time, a text, a number or a yes or no. Undefined for all other objects.
+    function held(object, onInvalid) {
+        var kind = on(object, toString);
+        if (kind === '[object Date]') {
+            var time = on(object, getTime);
+            return time === time ? new DateObject(time) : onInvalid;
+        }
+        var read = readers[kind];
+        var value = read ? on(object, read) : undefined;
+        return value;
+    }
+
+    // For a QDateTime: this number has no date either, and the engine knows how to say so.
+    function dateTime(value) {
+        var simple = isObject(value) ? held(value, Infinity) : value;
+        return simple;
+    }
+
+    // For a QVariant. The engine does not convert NaN.
+    function variant(value) {
+        var simple = isObject(value) ? held(value) : value;
+        return simple === simple ? simple : undefined;
+    }
+
+    // For an entry of a list of numbers.
+    function number(value) {
+        var simple = variant(value);
+        var type = typeof simple;
+        return type === 'string' || type === 'boolean' || type === 'number' ? simple : 0;
+    }
+
+    // An array can claim four billion entries that it does not have, and the engine would make them all. What
+    // is no array counts as its only entry, unless it is nothing.
+    function numbers(value) {
+        if (!isArray(value)) {
+            var single = isObject(value) ? number(value) : value;
+            return single;
+        }
+        var length = value.length;
+        if (length > longestList)
+            throw errorOf(RangeErrorObject, 'The list has more than ' + longestList + ' entries');
+        var list = [];
+        for (var i = 0; i < length; ++i)
+            put(list, i, number(value[i]));
+        return list;
+    }
+
+    // In place of StbPVR.GetRecordsList.
+    function recordsList() {
+        var records = recordTimes.GetRecordsList();
+        for (var i = 0; i < records.length; ++i)
+            records[i].start = new DateObject(records[i].start);
+        return records;
+    }
+
+    // The page's place in an error's stack: these functions have no address.
+    var place = /@(\w[^\n]*):(\d+):(\d+)(?:\n|$)/;
+
+    // An error at the place of the page's call. The place of one that the language makes is here, and cannot be changed;
+    // it can be hidden.
+    function errorOf(Type, message) {
+        var made = new Type(message);
+        var found = on(place, exec, made.stack);
+        if (!found)
+            return made;
+        var error = create(made);
+        put(error, 'sourceURL', found[1]);
+        put(error, 'line', +found[2]);
+        put(error, 'column', +found[3]);
+        return error;
+    }
+
+    // What the engine says when it refuses a call, and the type of error that it is on a box.
+    var refusals = [
+        {beginning: /^too few arguments in call to /, type: SyntaxError},
+        {beginning: /^incompatible type of argument\(s\) in call to /, type: TypeErrorObject},
+        {beginning: /^QtMetaMethod\.\w+: no arguments given/, type: Error},
+        {beginning: /^QtMetaMethod\./, type: TypeErrorObject}
+    ];
+
+    // The error to throw in place of one that was caught. All but the engine's refusals stay what they are.
+    function refused(error) {
+        var message = isObject(error) && on(error, toString) === '[object Error]' ? error.message : undefined;
+        for (var i = 0; typeof message === 'string' && i < refusals.length; ++i) {
+            if (on(refusals[i].beginning, exec, message)) {
+                error = errorOf(refusals[i].type, message);
+                break;
+            }
+        }
+        return error;
+    }
+
+    function guarded(method, index, safe) {
+        define(method, 'apply', {value: apply});
+        return function () {
+            if (index < arguments.length)
+                arguments[index] = safe(arguments[index]);
+            try {
+                var result = method.apply(undefined, arguments);
+                return result;
+            } catch (error) {
+                throw refused(error);
+            }
+        };
+    }
+
+    // The engine looks for the member even of a receiver that is none.
+    function withReceiver(name, action) {
+        var call = guarded(action);
+        return function (receiver, member) {
+            if (arguments.length > 1 && (receiver === null || receiver === undefined))
+                throw errorOf(TypeErrorObject, 'QtMetaMethod.' + name + ': thisObject is not an object');
+            var result = arguments.length > 1 ? call(receiver, member) : arguments.length ? call(receiver) : call();
+            return result;
+        };
+    }
+
+    function guardedSignal(signal) {
+        var guard = guarded(signal);
+        define(guard, 'connect', {value: withReceiver('connect', signal.connect)});
+        define(guard, 'disconnect', {value: withReceiver('disconnect', signal.disconnect)});
+        return guard;
+    }
+
+    var isSignal = create(null);
+    isSignal.destroyed = isSignal.jsCallback = isSignal.keyDelayChanged = isSignal.ExitToMenuSignal = true;
+
+    // By object and slot: which argument is made safe and how, or what is called in place of the slot.
+    var guards = {
+        StbMedia: {PlayFile: [5, variant]},
+        StbDisplay: {SetOrder: [0, numbers]},
+        StbPVR: {AddRecord: [2, dateTime], SetRecordStartTime: [1, variant], GetRecordsList: recordsList},
+        stb_media: {},
+        stb_display: {}
+    };
+
+    // As in the engine's own objects, a slot takes no other value, and says nothing about it.
+    function addMethod(guard, name, method) {
+        define(guard, name, {get: function () { return method; }, set: function () {}});
+    }
+
+    function methodFor(target, name, slot, rule) {
+        if (typeof rule === 'function')
+            return guarded(rule);
+        if (isSignal[slot])
+            return guardedSignal(target[name]);
+        return rule ? guarded(target[name], rule[0], rule[1]) : guarded(target[name]);
+    }
+
+    function addProperty(guard, target, name, objectName) {
+        define(guard, name, {
+            get: function () { var value = target[name]; return value; },
+            set: function (value) {
+                target[name] = value;
+                if (name === 'objectName')
+                    pageGuards.rename(objectName);
+            }
+        });
+    }
+
+    Object.keys(guards).forEach(function (objectName) {
+        var guard = window[objectName];
+        // The engine decides at the first look where it looks for members of its own: nowhere, until now.
+        if (guard.members)
+            return;
+        var target = pageGuards.guarded(objectName);
+        var rules = guards[objectName];
+        Object.keys(guard).forEach(function (name) {
+            var slot = name.split('(')[0];
+            if (slot === name) {
+                addProperty(guard, target, name, objectName);
+                return;
+            }
+            addMethod(guard, name, methodFor(target, name, slot, rules[slot]));
+            if (!guard.hasOwnProperty(slot))
+                addMethod(guard, slot, methodFor(target, slot, slot, rules[slot]));
+        });
+    });
+})();
