@@ -5,6 +5,7 @@
 (function () {
     'use strict';
 
+    var COLUMNS = 4;
     var shown = null;
 
     function showMembers(object) {
@@ -20,7 +21,9 @@
             about: object.purpose,
             value: object.found ? count + (count === 1 ? ' member' : ' members') : 'not found',
             kind: object.found ? 'object' : 'failed',
-            ok: showMembers.bind(null, object)
+            ok: function () {
+                showMembers(object);
+            }
         };
     }
 
@@ -45,19 +48,28 @@
         enter: showFacts
     });
 
+    // Column by column, with a list for each.
+    function showInColumns(names) {
+        var parent = Dom.byId('members-list');
+        var length = Math.ceil(names.length / COLUMNS);
+        var column;
+        parent.textContent = '';
+        names.forEach(function (name, i) {
+            if (i % length === 0)
+                column = Dom.child(parent, 'ul', '', '');
+            Dom.child(column, 'li', '', name);
+        });
+    }
+
     Screens.add('members', {
         layout: 'sheet',
         hints: function () {
             return [['Back', 'return']];
         },
         enter: function () {
-            var list = Dom.byId('members-list');
             Dom.setText('members-object', shown.name);
             Dom.setText('members-count', shown.found ? String(shown.members.length) : 'not found in this page');
-            list.textContent = '';
-            shown.members.forEach(function (name) {
-                Dom.child(list, 'li', '', name);
-            });
+            showInColumns(shown.members);
         }
     });
 }());

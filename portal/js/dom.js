@@ -22,5 +22,15 @@ var Dom = (function () {
         return element;
     }
 
-    return { byId: byId, setText: setText, child: child };
+    // Gives an element a class or takes it away.
+    function setClass(element, name, isOn) {
+        var names = element.className.split(' ').filter(function (other) {
+            return other !== name;
+        });
+        if (isOn)
+            names.push(name);
+        element.className = names.join(' ');
+    }
+
+    return { byId: byId, setText: setText, child: child, setClass: setClass };
 }());

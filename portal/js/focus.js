@@ -14,9 +14,9 @@ var Focus = (function () {
 
     function moveTo(button) {
         if (focused)
-            focused.classList.remove('focused');
+            Dom.setClass(focused, 'focused', false);
         focused = button;
-        focused.classList.add('focused');
+        Dom.setClass(focused, 'focused', true);
         focused.scrollIntoViewIfNeeded(false);
     }
 

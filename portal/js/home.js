@@ -29,7 +29,15 @@
     }
 
     function leadRow(screen, name, value) {
-        return { id: screen, name: name, value: value, kind: 'lead', ok: Screens.go.bind(null, screen) };
+        return {
+            id: screen,
+            name: name,
+            value: value,
+            kind: 'lead',
+            ok: function () {
+                Screens.go(screen);
+            }
+        };
     }
 
     Screens.add('home', {

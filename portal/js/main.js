@@ -23,9 +23,14 @@
         KeyHistory.add(event.keyCode);
         if (Volume.handleKey(event.keyCode) || Screens.handleKey(event.keyCode))
             event.preventDefault();
-    });
-    window.addEventListener('resize', showBox);
+    }, false);
+    window.addEventListener('resize', function () {
+        Page.scale();
+        Player.place();
+        showBox();
+    }, false);
 
+    Page.scale();
     Memory.start();
     BoxEvents.start();
     Settings.start();

@@ -18,9 +18,11 @@ var Menu = (function () {
 
     function makeActive(button, row) {
         button.id = 'row-' + row.id;
-        button.addEventListener('click', row.ok || row.change.bind(null, 1));
+        button.addEventListener('click', row.ok || function () {
+            row.change(1);
+        }, false);
         if (row.change) {
-            button.classList.add('changeable');
+            Dom.setClass(button, 'changeable', true);
             changes[button.id] = row.change;
         }
     }
@@ -28,14 +30,15 @@ var Menu = (function () {
     function add(row) {
         var isActive = Boolean(row.ok || row.change);
         var element = Dom.child(Dom.byId('rows'), isActive ? 'button' : 'div', 'row ' + (row.kind || ''), '');
+        var line = Dom.child(element, 'span', 'line', '');
         var name;
         if (row.mark)
-            Dom.child(element, 'span', 'mark', row.mark);
-        name = Dom.child(element, 'span', 'name', row.name);
+            Dom.child(line, 'span', 'mark', row.mark);
+        name = Dom.child(line, 'span', 'name', row.name);
         if (row.about)
             Dom.child(name, 'span', 'about', row.about);
         if (row.value !== undefined)
-            Dom.child(element, 'span', 'value', row.value);
+            Dom.child(line, 'span', 'value', row.value);
         if (isActive)
             makeActive(element, row);
     }

@@ -9,12 +9,12 @@ var Notice = (function () {
     var timer = 0;
 
     function hide() {
-        document.body.classList.remove('noticed');
+        Dom.setClass(document.body, 'noticed', false);
     }
 
     function show(text) {
         Dom.setText('notice', text);
-        document.body.classList.add('noticed');
+        Dom.setClass(document.body, 'noticed', true);
         clearTimeout(timer);
         timer = setTimeout(hide, SECONDS * 1000);
     }

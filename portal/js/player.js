@@ -28,7 +28,7 @@ var Player = (function () {
 
     // The video is where the page's picture is.
     function place() {
-        var box = Dom.byId('picture').getBoundingClientRect();
+        var box = Page.placeOf(Dom.byId('picture'));
         if (id >= 0)
             StbMedia.SetPlayerViewPort(id, box.left, box.top, box.width, box.height);
     }
@@ -125,8 +125,7 @@ var Player = (function () {
     function start() {
         BoxEvents.listen(hear, [BoxEvents.STATE, BoxEvents.METADATA, BoxEvents.POSITION, BoxEvents.AUDIO,
             BoxEvents.VIDEO, BoxEvents.SUBTITLES]);
-        window.addEventListener('unload', close);
-        window.addEventListener('resize', place);
+        window.addEventListener('unload', close, false);
     }
 
     return {

@@ -12,7 +12,7 @@ var Playing = (function () {
     function showPosition() {
         var length = Player.duration();
         var position = Player.position();
-        document.body.classList.toggle('measured', length > 0);
+        Dom.setClass(document.body, 'measured', length > 0);
         Dom.setText('playing-position', length ? Texts.position(position) + ' / ' + Texts.position(length) : '');
         Dom.byId('playing-progress').style.width = length ? 100 * position / length + '%' : 0;
     }

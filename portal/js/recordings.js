@@ -11,9 +11,9 @@ var Recordings = (function () {
 
     var chosen = -1;
 
-    // Those of the box, the latest first.
+    // Those of the box, the latest first. What is sorted is a copy, since the box's own list is not quite an array.
     function all() {
-        var records = window.StbPVR ? StbPVR.GetRecordsList() : [];
+        var records = window.StbPVR ? StbPVR.GetRecordsList().slice() : [];
         return records.sort(function (a, b) {
             return b.start - a.start || b.id - a.id;
         });
@@ -46,7 +46,9 @@ var Recordings = (function () {
             about: timeOf(record),
             value: stateTexts[record.state],
             kind: stateKinds[record.state],
-            ok: choose.bind(null, record.id)
+            ok: function () {
+                choose(record.id);
+            }
         };
     }
 
@@ -81,12 +83,36 @@ var Recordings = (function () {
         Screens.go('video');
     }
 
+    function playRow(record) {
+        return {
+            id: 'play',
+            mark: '\u25b6',
+            name: 'Play',
+            kind: 'lead',
+            ok: function () {
+                play(record);
+            }
+        };
+    }
+
     function remove(record) {
         var answer = StbPVR.DeleteRecord(record.id);
         if (answer < 0)
             Notice.show('The box refuses to delete the recording (' + answer + ')');
         else
             Screens.back();
+    }
+
+    function removeRow(record) {
+        return {
+            id: 'delete',
+            mark: '\u00d7',
+            name: record.state === SCHEDULED || record.state === RUNNING ? 'Cancel' : 'Delete',
+            kind: 'lead',
+            ok: function () {
+                remove(record);
+            }
+        };
     }
 
     Screens.add('recording', {
@@ -104,14 +130,8 @@ var Recordings = (function () {
             if (!record)
                 return [{ id: 'none', name: 'This recording is gone', ok: Screens.back }];
             if (record.state !== SCHEDULED && record.state !== FAILED)
-                rows.push({ id: 'play', mark: '\u25b6', name: 'Play', kind: 'lead', ok: play.bind(null, record) });
-            rows.push({
-                id: 'delete',
-                mark: '\u00d7',
-                name: record.state === SCHEDULED || record.state === RUNNING ? 'Cancel' : 'Delete',
-                kind: 'lead',
-                ok: remove.bind(null, record)
-            });
+                rows.push(playRow(record));
+            rows.push(removeRow(record));
             rows.push({ name: stateTexts[record.state], about: record.file, kind: stateKinds[record.state] });
             rows.push({ name: 'Begins', about: timeOf(record) });
             return rows;

@@ -10,9 +10,10 @@ var Tracks = (function () {
         rus: 'Russian', spa: 'Spanish'
     };
 
-    // A player that does not exist has an error to tell, and no tracks.
+    // A player that does not exist has an error to tell, and no tracks. The box's own lists are not quite arrays: a copy
+    // is.
     function listOf(answer) {
-        return Array.isArray(answer) ? answer : [];
+        return answer instanceof Array ? answer.slice() : [];
     }
 
     function audio() {

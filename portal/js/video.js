@@ -16,11 +16,11 @@
     // Only over a moving picture is the bar in the way.
     function hideBar() {
         if (Player.state() === Player.PLAYING)
-            document.body.classList.add('quiet');
+            Dom.setClass(document.body, 'quiet', true);
     }
 
     function showBar() {
-        document.body.classList.remove('quiet');
+        Dom.setClass(document.body, 'quiet', false);
         clearTimeout(timer);
         timer = setTimeout(hideBar, BAR_SECONDS * 1000);
     }
@@ -61,7 +61,9 @@
             name: track.id < 0 ? 'None' : Tracks.nameOf(track),
             about: track.supported ? track.descr : 'this box cannot play it',
             mark: track.id === chosen ? '\u2713' : ' ',
-            ok: choose.bind(null, track.id)
+            ok: function () {
+                choose(track.id);
+            }
         };
     }
 
@@ -73,7 +75,14 @@
                 kind: 'lead',
                 ok: Player.togglePause
             };
-        return { id: 'record', name: 'Record this channel', kind: 'lead', ok: Timer.open.bind(null, Player.source()) };
+        return {
+            id: 'record',
+            name: 'Record this channel',
+            kind: 'lead',
+            ok: function () {
+                Timer.open(Player.source());
+            }
+        };
     }
 
     function audioRow(track) {
@@ -109,7 +118,9 @@
         }
     });
 
-    Dom.byId('picture').addEventListener('click', Screens.go.bind(null, 'video'));
+    Dom.byId('picture').addEventListener('click', function () {
+        Screens.go('video');
+    }, false);
 
     Player.listen(function () {
         if (isShown() && Player.state() === Player.ENDED)

@@ -23,7 +23,6 @@
     var toString = Object.prototype.toString;
     var getTime = Date.prototype.getTime;
     var exec = RegExp.prototype.exec;
-    var apply = Function.prototype.apply;
     var DateObject = Date;
     var RangeErrorObject = RangeError;
     var TypeErrorObject = TypeError;
@@ -154,13 +153,33 @@
         return error;
     }
 
+    // The engine calls nothing with more than ten arguments.
+    function call(method, list) {
+        var result;
+        switch (list.length) {
+        case 0: result = method(); break;
+        case 1: result = method(list[0]); break;
+        case 2: result = method(list[0], list[1]); break;
+        case 3: result = method(list[0], list[1], list[2]); break;
+        case 4: result = method(list[0], list[1], list[2], list[3]); break;
+        case 5: result = method(list[0], list[1], list[2], list[3], list[4]); break;
+        case 6: result = method(list[0], list[1], list[2], list[3], list[4], list[5]); break;
+        case 7: result = method(list[0], list[1], list[2], list[3], list[4], list[5], list[6]); break;
+        case 8: result = method(list[0], list[1], list[2], list[3], list[4], list[5], list[6], list[7]); break;
+        case 9: result = method(list[0], list[1], list[2], list[3], list[4], list[5], list[6], list[7], list[8]); break;
+        case 10:
+            result = method(list[0], list[1], list[2], list[3], list[4], list[5], list[6], list[7], list[8], list[9]);
+            break;
+        }
+        return result;
+    }
+
     function guarded(method, index, safe) {
-        define(method, 'apply', {value: apply});
         return function () {
             if (index < arguments.length)
                 arguments[index] = safe(arguments[index]);
             try {
-                var result = method.apply(undefined, arguments);
+                var result = call(method, arguments);
                 return result;
             } catch (error) {
                 throw refused(error);
@@ -170,12 +189,14 @@
 
     // The engine looks for the member even of a receiver that is none.
     function withReceiver(name, action) {
-        var call = guarded(action);
-        return function (receiver, member) {
+        return function (receiver) {
             if (arguments.length > 1 && (receiver === null || receiver === undefined))
                 throw errorOf(TypeErrorObject, 'QtMetaMethod.' + name + ': thisObject is not an object');
-            var result = arguments.length > 1 ? call(receiver, member) : arguments.length ? call(receiver) : call();
-            return result;
+            try {
+                call(action, arguments);
+            } catch (error) {
+                throw refused(error);
+            }
         };
     }
 

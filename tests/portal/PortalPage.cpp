@@ -99,13 +99,12 @@ bool PortalPage::isShown(const QString &selector)
     return !place(selector).isEmpty();
 }
 
-// Asked by script, because only that brings the layout up to date first.
+// Not asked by script, which this engine answers in pixels of the style sheets; but only a script's question brings the
+// layout up to date.
 QRect PortalPage::place(const QString &selector)
 {
-    const QVariantMap box =
-        evaluate(QString("document.querySelector('%1').getBoundingClientRect()").arg(selector)).toMap();
-    return QRectF(box["left"].toDouble(), box["top"].toDouble(), box["width"].toDouble(), box["height"].toDouble())
-        .toAlignedRect();
+    evaluate("document.body.offsetWidth");
+    return m_plugin->browser()->page()->mainFrame()->findFirstElement(selector).geometry();
 }
 
 QImage PortalPage::painted()

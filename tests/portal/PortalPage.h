@@ -37,6 +37,7 @@ public:
     QString focused();
     QStringList rows();
     bool isShown(const QString &selector);
+    /// Where an element is on the screen; empty if it is not shown.
     QRect place(const QString &selector);
     /// What the page paints, on nothing.
     QImage painted();

@@ -33,6 +33,17 @@ QPoint firstTransparent(const QImage &image, const QRect &hole)
     return {-1, -1};
 }
 
+// The call that places the player.
+QByteArray window(const QRect &place)
+{
+    return QString("KVR_SetPlayerViewPort(1, {%1, %2, %3, %4})")
+        .arg(place.x())
+        .arg(place.y())
+        .arg(place.width())
+        .arg(place.height())
+        .toLatin1();
+}
+
 } // namespace
 
 /// How the portal's screens look at both of a box's page sizes, and how the focus moves on them.
@@ -52,6 +63,8 @@ private slots:
     void theVideoShowsThroughTheFullScreenAboveTheBar();
     void noVideoShowsBehindTheMembers();
     void thePlayerIsWhereThePictureIs();
+    void thePlayerIsThereHoweverTheEngineMeasures();
+    void thePageFollowsTheWindow();
     void arrowKeysMoveTheFocus_data();
     void arrowKeysMoveTheFocus();
     void okOnThePictureShowsItOnTheFullScreen();
@@ -141,12 +154,13 @@ void TestPortalLayout::everythingLiesInTheSafeAreaAndNothingScrolls()
     const QString outside =
         "var list = document.getElementById('rows');"
         "var area = list.getBoundingClientRect();"
+        "var body = document.body.getBoundingClientRect();"
         "[].filter.call(document.querySelectorAll('h1, h2, p, li, kbd, #rows, .row span'), function (e) {"
         "  var box = e.getBoundingClientRect();"
         "  var top = list.contains(e) ? Math.max(box.top, area.top) : box.top;"
         "  var bottom = list.contains(e) ? Math.min(box.bottom, area.bottom) : box.bottom;"
-        "  return box.width && top < bottom && (box.left < innerWidth * 0.05 - 1 || box.right > innerWidth * 0.95 + 1"
-        "    || top < innerHeight * 0.05 - 1 || bottom > innerHeight * 0.95 + 1);"
+        "  return box.width && top < bottom && (box.left < body.width * 0.05 - 1 || box.right > body.width * 0.95 + 1"
+        "    || top < body.height * 0.05 - 1 || bottom > body.height * 0.95 + 1);"
         "}).map(function (e) { return e.outerHTML; }).join('\\n')";
     QCOMPARE(m_portal.evaluate(outside).toString(), QString());
 }
@@ -194,20 +208,41 @@ void TestPortalLayout::noVideoShowsBehindTheMembers()
 void TestPortalLayout::thePlayerIsWhereThePictureIs()
 {
     QFETCH_GLOBAL(QSize, size);
-    const auto window = [](const QRect &place) {
-        return QString("KVR_SetPlayerViewPort(1, {%1, %2, %3, %4})")
-            .arg(place.x())
-            .arg(place.y())
-            .arg(place.width())
-            .arg(place.height())
-            .toLatin1();
-    };
     const QByteArray small = window(m_portal.place("#picture"));
     QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), small);
     m_portal.press("Return");
     QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), window(QRect(QPoint(0, 0), size)));
     m_portal.press("Backspace");
     QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), small);
+}
+
+// Some engines tell where an element is in pixels of the style sheets, this one among them, and others in those of the
+// screen.
+void TestPortalLayout::thePlayerIsThereHoweverTheEngineMeasures()
+{
+    QFETCH_GLOBAL(QSize, size);
+    m_portal.evaluate("var measure = Element.prototype.getBoundingClientRect;"
+                      "Element.prototype.getBoundingClientRect = function () {"
+                      "  var box = measure.call(this), zoom = document.documentElement.style.zoom;"
+                      "  return { left: box.left * zoom, top: box.top * zoom, right: box.right * zoom,"
+                      "    bottom: box.bottom * zoom, width: box.width * zoom, height: box.height * zoom };"
+                      "};");
+    m_portal.press("Return");
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), window(QRect(QPoint(0, 0), size)));
+    m_portal.press("Backspace");
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), window(m_portal.place("#picture")));
+}
+
+void TestPortalLayout::thePageFollowsTheWindow()
+{
+    QFETCH_GLOBAL(QSize, size);
+    const QRect picture = m_portal.place("#picture");
+    takeCalls();
+    m_portal.plugin().browser()->resize(size / 2);
+    const QRect half(picture.topLeft() / 2, picture.size() / 2);
+    QTRY_COMPARE(m_portal.place("#picture"), half);
+    QCOMPARE(PortalPage::takeLastCall("KVR_SetPlayerViewPort"), window(half));
+    QVERIFY(m_portal.text("#box").endsWith(QString::fromUtf8("%1 × %2").arg(size.width() / 2).arg(size.height() / 2)));
 }
 
 void TestPortalLayout::arrowKeysMoveTheFocus_data()
