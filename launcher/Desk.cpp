@@ -28,6 +28,7 @@ Desk::Desk(const Options &options)
     : m_options(options)
     , m_signals({SIGINT, SIGTERM, SIGHUP})
     , m_screen(std::make_unique<Screen>())
+    , m_plugin(options.boxEngine)
     , m_keys(*KeyScript::parse(options.keys, nullptr))
 {
     DeskBox::setDeviceModel(options.model.toStdString());

@@ -58,6 +58,13 @@ QSize readSize(const QString &text)
     return size;
 }
 
+bool readEngine(const QString &text)
+{
+    if (text != "box" && text != "pc")
+        refuse(QString("--engine \"%1\" is neither box nor pc").arg(text));
+    return text == "box";
+}
+
 QString readScreenshot(const QString &text)
 {
     const QFileInfo file(QDir::current(), text);
@@ -94,6 +101,10 @@ Options Options::fromCommandLine()
     const QCommandLineOption modelOption("model", "The device's model.", "TEXT", "MZ-600 desk");
     const QCommandLineOption traceOption("trace", "Traces script calls on standard error.");
     const QCommandLineOption sizeOption("size", "Size of the window.", "WxH");
+    const QCommandLineOption engineOption("engine",
+                                          "box: pages find the web engine of a box, and are told what it lacks; "
+                                          "pc: they find all that the PC's engine has.",
+                                          "box|pc", "box");
     const QCommandLineOption remoteOption("remote", "Shows a remote control.");
     const QCommandLineOption inspectorOption("inspector", "Shows the web inspector.");
     QCommandLineOption insideOption(QString(insideArgument).mid(2));
@@ -101,7 +112,7 @@ Options Options::fromCommandLine()
     insideOption.setFlags(QCommandLineOption::HiddenFromHelp);
     portalOption.setFlags(QCommandLineOption::HiddenFromHelp);
     parser.addOptions({helpOption, boxOption, headlessOption, screenshotOption, exitOption, keysOption, modelOption,
-                       traceOption, sizeOption, remoteOption, inspectorOption, insideOption, portalOption});
+                       traceOption, sizeOption, engineOption, remoteOption, inspectorOption, insideOption, portalOption});
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
     if (!parser.parse(QCoreApplication::arguments()))
@@ -125,6 +136,7 @@ Options Options::fromCommandLine()
     options.trace = parser.isSet(traceOption);
     if (parser.isSet(sizeOption))
         options.size = readSize(parser.value(sizeOption));
+    options.boxEngine = readEngine(parser.value(engineOption));
     options.remote = parser.isSet(remoteOption);
     options.inspector = parser.isSet(inspectorOption);
     options.page = parser.positionalArguments().value(0);
@@ -141,6 +153,8 @@ QStringList Options::forInside() const
         arguments << "--exit-after" << QString::number(*exitAfter, 'f', 3);
     if (!size.isEmpty())
         arguments << "--size" << QString("%1x%2").arg(size.width()).arg(size.height());
+    if (!boxEngine)
+        arguments << "--engine" << "pc";
     if (trace)
         arguments << "--trace";
     if (remote)

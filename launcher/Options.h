@@ -20,6 +20,7 @@ struct Options
     QString model;
     bool trace = false;
     QSize size; ///< of the window; empty without
+    bool boxEngine = true; ///< pages find the web engine of a box, not the PC's
     bool remote = false;
     bool inspector = false;
     QString page;   ///< outside, the argument as given; inside, the address to open; empty without

@@ -10,6 +10,11 @@
 #include <QPluginLoader>
 #include <QTimer>
 
+PluginHost::PluginHost(bool hasBoxEngine)
+    : m_hasBoxEngine(hasBoxEngine)
+{
+}
+
 PluginHost::~PluginHost()
 {
     destroy();
@@ -60,6 +65,8 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
             m_console = std::make_unique<PageConsole>(child);
+            if (m_hasBoxEngine)
+                m_engine = std::make_unique<BoxEngine>(child);
             QTimer::singleShot(0, this, SIGNAL(started()));
         }
     }

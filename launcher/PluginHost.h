@@ -4,6 +4,7 @@
 #pragma once
 
 #include "PageConsole.h"
+#include "engine/BoxEngine.h"
 
 #include <QObject>
 #include <QPointer>
@@ -19,7 +20,8 @@ class PluginHost : public QObject
     Q_OBJECT
 
 public:
-    PluginHost() = default;
+    /// Pages find the web engine of a box, or the PC's.
+    explicit PluginHost(bool hasBoxEngine);
     ~PluginHost() override;
 
     /// False, and the reason in *error, if the file is no such plugin.
@@ -42,7 +44,9 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    const bool m_hasBoxEngine;
     QPointer<QObject> m_instance;
+    std::unique_ptr<BoxEngine> m_engine;
     std::unique_ptr<PageConsole> m_console;
     CStbApplication *m_application = nullptr;
 };
