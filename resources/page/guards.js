@@ -79,24 +79,23 @@
         return simple;
     }
 
-    // For a QVariant. The engine does not convert NaN.
+    // For a QVariant.
     function variant(value) {
         var simple = isObject(value) ? held(value) : value;
-        return simple === simple ? simple : undefined;
+        return simple;
     }
 
-    // For an entry of a list of numbers.
+    // For an entry of a list of numbers, in which an object is none.
     function number(value) {
-        var simple = variant(value);
-        var type = typeof simple;
-        return type === 'string' || type === 'boolean' || type === 'number' ? simple : 0;
+        var simple = isObject(value) ? held(value, 0) : value;
+        return typeof simple === 'symbol' || (simple === undefined && isObject(value)) ? 0 : simple;
     }
 
     // An array can claim four billion entries that it does not have, and the engine would make them all. What
-    // is no array counts as its only entry, unless it is nothing.
+    // is no array counts as its only entry.
     function numbers(value) {
         if (!isArray(value)) {
-            var single = isObject(value) ? number(value) : value;
+            var single = number(value);
             return single;
         }
         var length = value.length;

@@ -36,7 +36,7 @@ const ScriptObject objects[] = {
            "SetVolume GetVolume SetMute IsMute SetZoom GetZoom GetFps SetPlayerViewPort SetPlayerAlphaLevel "
            "GetPlayerAlphaLevel SetPlayerVisible IsPlayerVisible SetPlayerDisplayMode GetPlayerDisplayMode "
            "GetEventDescription"),
-     words("onEvent"), words("jsCallback SetEventCallback")},
+     words("onEvent"), words("jsCallback")},
     {"StbDisplay", 30,
      words("SetGraphicsViewport GetGraphicsViewport SetGraphicsVisible IsGraphicsVisible SetAlphaLevel GetAlphaLevel "
            "SetChromaKey GetChromaKey IsChromaKeyEnable SetChromaKeyEnable SetCurrentRMLayout GetCurrentRMLayout "
@@ -72,7 +72,7 @@ const ScriptObject objects[] = {
 };
 
 // What the toolkit gives to every object.
-const QStringList inherited = words("objectName destroyed objectNameChanged deleteLater");
+const QStringList inherited = words("objectName destroyed deleteLater");
 
 QStringList sorted(QStringList names)
 {

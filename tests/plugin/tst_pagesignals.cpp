@@ -63,14 +63,14 @@ void TestPageSignals::functionsAreConnectedToEachSignal()
     const QMetaObject *metaObject = finder.found()->metaObject();
     for (int i = 0; i < metaObject->methodCount(); ++i) {
         const QMetaMethod method = metaObject->method(i);
-        if (method.methodType() != QMetaMethod::Signal)
+        if (method.methodType() != QMetaMethod::Signal || method.name() == "objectNameChanged") // which no box has
             continue;
         const QString fullName = object + "['" + QString::fromLatin1(method.methodSignature()) + "']";
         const QString name = object + "." + QString::fromLatin1(method.name());
         QCOMPARE(result("var listener = function () {}; " + fullName + ".connect(listener)"), QString("undefined"));
         QCOMPARE(result(fullName + ".disconnect(listener)"), QString("undefined"));
         QCOMPARE(result(name + ".connect(null, 'x')"),
-                 QString("throws TypeError: The receiver of a signal cannot be null"));
+                 QString("throws TypeError: QtMetaMethod.connect: thisObject is not an object"));
     }
 }
 
@@ -84,7 +84,6 @@ void TestPageSignals::nothingElseIsConnected_data()
                                  "'x'",
                                  "{}",
                                  "new Date(NaN)",
-                                 "Symbol('s')",
                                  "StbMedia",
                                  "null, null",
                                  "null, {}",
@@ -95,7 +94,6 @@ void TestPageSignals::nothingElseIsConnected_data()
                                  "undefined, null",
                                  "undefined, {}",
                                  "undefined, 'x'",
-                                 "undefined, Symbol('s')",
                                  "document.all, 'x'",
                                  "1, StbMedia",
                                  "'x', {}",
@@ -103,13 +101,16 @@ void TestPageSignals::nothingElseIsConnected_data()
                                  "{}, {}",
                                  "{}, null",
                                  "{}, 'x'",
-                                 "{}, Symbol('s')",
                                  "{}, new Date(NaN)",
                                  "StbMedia, 'x'",
                                  "StbMedia, {}",
                                  "Object.create(null), {toString: function () { throw 1; }}",
                                  "window, window",
                                  "document, 'body'"})
+        QTest::newRow(receiver) << receiver;
+    if (HostedPlugin::hasBoxEngine())
+        return;
+    for (const char *receiver : {"Symbol('s')", "undefined, Symbol('s')", "{}, Symbol('s')"})
         QTest::newRow(receiver) << receiver;
 }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-// A page that keeps what it hears in "seen", and its uncaught errors in "errors".
+// A page that keeps what it hears in "seen", and the number of its uncaught errors in "errors".
 const char *const page = R"(<!DOCTYPE html><title>Page</title><script>
 var seen = [], errors = 0;
 onerror = function () { ++errors; };
@@ -69,6 +69,7 @@ private slots:
 
 private:
     void fire(int argument, int code) { RecordingPlatform::fire(1, code, argument); }
+    void countConsoleErrors();
     /// Lets events that have been fired arrive.
     void deliver();
     QString evaluate(const QString &script) { return m_session->plugin().evaluateToJson(script); }
@@ -82,10 +83,22 @@ void TestPlayerEvents::init()
     if (!m_session) {
         m_session = std::make_unique<ScriptSession>();
         QVERIFY(m_session->start());
+        if (HostedPlugin::hasBoxEngine())
+            countConsoleErrors();
     }
     QVERIFY(m_session->plugin().loadHtml(page));
     evaluate("StbMedia.onEvent = ''");
     QCOMPARE(evaluate("StbMedia.CreatePlayer()"), QString("1"));
+}
+
+// Pages on a box have no error handler.
+void TestPlayerEvents::countConsoleErrors()
+{
+    connect(m_session->plugin().browser()->page(), &QWebPage::consoleMessageReceived, this,
+            [this](QWebPage::MessageSource, QWebPage::MessageLevel level) {
+                if (level == QWebPage::ErrorMessageLevel)
+                    m_session->plugin().evaluate("++errors");
+            });
 }
 
 void TestPlayerEvents::cleanupTestCase()

@@ -216,7 +216,7 @@ void TestRecordings::valuesThatAreNoDates()
     QFETCH(const QByteArray, set);
     const ScriptSession::Outcome add = m_session->run("StbPVR.AddRecord('u', 'f', " + value + ", 60)");
     QCOMPARE(add.calls, added.isEmpty() ? QByteArray() : "KVR_AddRecord(u, f, " + added + ", 60)");
-    QCOMPARE(add.result.startsWith("throws Error: incompatible type of argument(s) in call to AddRecord()"),
+    QCOMPARE(add.result.startsWith("throws TypeError: incompatible type of argument(s) in call to AddRecord()"),
              added.isEmpty());
     QCOMPARE(add.traces.isEmpty(), added.isEmpty());
     const ScriptSession::Outcome start = m_session->run("StbPVR.SetRecordStartTime(5, " + value + ")");

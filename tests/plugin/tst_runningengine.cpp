@@ -37,7 +37,8 @@ void TestRunningEngine::guardsMayRefuseAgainAndAgain_data()
     QTest::addColumn<QString>("call");
     QTest::newRow("too few arguments") << "StbMedia.PlayFile(0)";
     QTest::newRow("argument that throws") << "StbPVR.AddRecord('u', 'f', posing('String'), 1)";
-    QTest::newRow("argument that throws deep inside") << "StbDisplay.SetOrder([1, posing('Number')])";
+    if (!HostedPlugin::hasBoxEngine())
+        QTest::newRow("argument that throws deep inside") << "StbDisplay.SetOrder([1, posing('Number')])";
     QTest::newRow("list that is too long") << "StbDisplay.SetOrder(tooLong)";
     QTest::newRow("signal") << "StbDisplay.keyDelayChanged()";
     QTest::newRow("connect") << "StbMedia.jsCallback.connect()";
@@ -48,7 +49,8 @@ void TestRunningEngine::guardsMayRefuseAgainAndAgain_data()
 void TestRunningEngine::guardsMayRefuseAgainAndAgain()
 {
     QFETCH(const QString, call);
-    for (const char *way : RefusedCalls::ways)
+    const QStringList ways = RefusedCalls::ways();
+    for (const QString &way : ways)
         QCOMPARE(m_session->run(RefusedCalls::script(call, way)).result, QString::number(RefusedCalls::times));
 }
 

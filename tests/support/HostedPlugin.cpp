@@ -3,6 +3,9 @@
 
 #include "HostedPlugin.h"
 
+#include "BoxEngine.h"
+
+#include <QChildEvent>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -32,6 +35,24 @@ QString manifestFile()
     return HostedPlugin::pluginDirectory() + "PluginManifest.xml";
 }
 
+// Waits for the browser, as the desk box does.
+class EngineForBrowser : public QObject
+{
+public:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::ChildPolished) {
+            QObject *child = static_cast<QChildEvent *>(event)->child();
+            if (child->inherits("QWebView"))
+                m_engine = std::make_unique<BoxEngine>(child);
+        }
+        return false;
+    }
+
+private:
+    std::unique_ptr<BoxEngine> m_engine;
+};
+
 bool finishedWell(QSignalSpy *loadFinished)
 {
     if (loadFinished->isEmpty() && !loadFinished->wait(loadTimeout))
@@ -40,6 +61,11 @@ bool finishedWell(QSignalSpy *loadFinished)
 }
 
 } // namespace
+
+bool HostedPlugin::hasBoxEngine()
+{
+    return qgetenv("KAVRO_ENGINE") == "box";
+}
 
 QString HostedPlugin::pluginDirectory()
 {
@@ -74,6 +100,10 @@ HostedPlugin::HostedPlugin()
     if (!plugin)
         qFatal("The plugin cannot be loaded: %s", qPrintable(loader.errorString()));
     m_application = static_cast<CStbApplication *>(plugin);
+    if (hasBoxEngine()) {
+        m_engine = std::make_unique<EngineForBrowser>();
+        m_application->installEventFilter(m_engine.get());
+    }
 }
 
 HostedPlugin::~HostedPlugin()

@@ -11,6 +11,8 @@
 #include <QUrl>
 #include <QVariant>
 
+#include <memory>
+
 class QWebView;
 
 /// The launcher of a test: loads the plugin, starts it in the test's box and hands its browser over. Ends the program
@@ -18,6 +20,10 @@ class QWebView;
 class HostedPlugin
 {
 public:
+    /// Whether pages find the engine of a box rather than the PC's: the tests run with each, as the environment's
+    /// KAVRO_ENGINE says.
+    static bool hasBoxEngine();
+
     /// The plugin's directory in the box.
     static QString pluginDirectory();
     static void writeManifest(const PluginManifest &manifest);
@@ -53,5 +59,6 @@ public:
     QString evaluateToJson(const QString &script);
 
 private:
+    std::unique_ptr<QObject> m_engine; // before the plugin's own scripts
     QPointer<CStbApplication> m_application;
 };
