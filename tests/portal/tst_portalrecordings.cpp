@@ -69,6 +69,7 @@ private slots:
     void cleanup();
 
     void recordingsAreListedTheLatestFirst();
+    void theBoxNeedNotListThemInAnArray();
     void eachStateIsTold_data();
     void eachStateIsTold();
     void anEventBringsTheListUpToDate();
@@ -124,6 +125,23 @@ void TestPortalRecordings::recordingsAreListedTheLatestFirst()
                           QString::fromUtf8("Life 09.03. 08:05 · 5 minutes Done")}));
     m_portal.press("Backspace");
     QCOMPARE(m_portal.text("#row-recordings"), QString("Recordings 3"));
+}
+
+// A box's engine gives an object of its own, which has an array's functions but cannot be sorted in place.
+void TestPortalRecordings::theBoxNeedNotListThemInAnArray()
+{
+    recordsAre({record(1, KVR_RECORD_DONE, addressOf("life.mkv"), secondsAt(8, 5)),
+                record(2, KVR_RECORD_SCHEDULED, addressOf("clock.mkv"), secondsAt(23, 0))});
+    m_portal.evaluate("var list = Object.create(Array.prototype, { length: { value: 2 } });"
+                      "StbPVR.GetRecordsList().forEach(function (record, i) {"
+                      "  Object.defineProperty(list, i, { value: record });"
+                      "});"
+                      "Object.defineProperty(window, 'StbPVR', {"
+                      "  value: { GetRecordsList: function () { return list; } }"
+                      "});");
+    m_portal.press("Down*3 Return");
+    QCOMPARE(m_portal.texts(".row .about").size(), 2);
+    QCOMPARE(m_portal.texts(".row .value"), QStringList({"Scheduled", "Done"}));
 }
 
 void TestPortalRecordings::eachStateIsTold_data()

@@ -3,6 +3,8 @@
 
 #include "PortalPage.h"
 
+#include <QDir>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWebElement>
@@ -27,7 +29,8 @@ protected:
 
 } // namespace
 
-/// The portal in a web view that is no box: its author sees it, can go everywhere, and is told what is missing.
+/// The portal in a web view that is no box: its author sees it, can go everywhere, and is told what is missing. This
+/// engine takes style sheets that a box's does not, so they are searched for what it would miss.
 class TestPortalWithoutBox : public QObject
 {
     Q_OBJECT
@@ -35,6 +38,8 @@ class TestPortalWithoutBox : public QObject
 private slots:
     void everyScreenOpensWithoutAScriptError_data();
     void everyScreenOpensWithoutAScriptError();
+    void theStyleSheetsNameNothingThatABoxLacks_data();
+    void theStyleSheetsNameNothingThatABoxLacks();
 };
 
 void TestPortalWithoutBox::everyScreenOpensWithoutAScriptError_data()
@@ -88,6 +93,7 @@ void TestPortalWithoutBox::everyScreenOpensWithoutAScriptError()
     page->setParent(&view);
     view.setPage(page);
     view.resize(1280, 720);
+    PortalPage::limitToBox(page->mainFrame());
     QSignalSpy loaded(&view, &QWebView::loadFinished);
     view.load(PortalPage::url());
     view.show();
@@ -97,6 +103,32 @@ void TestPortalWithoutBox::everyScreenOpensWithoutAScriptError()
     QCOMPARE(page->complaints, QStringList());
     QTEST(page->mainFrame()->findFirstElement("body").attribute("data-screen"), "screen");
     QTEST(page->mainFrame()->findFirstElement(selector).toPlainText().simplified(), "text");
+}
+
+void TestPortalWithoutBox::theStyleSheetsNameNothingThatABoxLacks_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("a property without its prefix")
+        << R"(^\s*(animation|appearance|box|columns?|transform|transition|user-select)[\w-]*:)";
+    QTest::newRow("a later property") << R"(^\s*(align|flex|gap|grid|justify|object|order)[\w-]*:)";
+    QTest::newRow("a later value") << R"(:.*\b(calc|flex|grid|linear-gradient|sticky|unset|var)\b)";
+    QTest::newRow("a unit of the window's size") << R"([0-9](vw|vh|vmin|vmax)\b)";
+    QTest::newRow("more than one simple selector in :not()") << R"(:not\([^)]+[.:#,[ ])";
+    QTest::newRow("a later pseudo class") << R"(:(has|is|matches|where|focus-within)\b)";
+}
+
+void TestPortalWithoutBox::theStyleSheetsNameNothingThatABoxLacks()
+{
+    QFETCH(QString, pattern);
+    const QRegularExpression lacking(pattern, QRegularExpression::MultilineOption);
+    const QDir folder(PortalPage::url().resolved(QUrl("css")).toLocalFile());
+    const QFileInfoList files = folder.entryInfoList({"*.css"});
+    QVERIFY(!files.isEmpty());
+    for (const QFileInfo &info : files) {
+        QFile file(info.filePath());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(lacking.match(QString::fromUtf8(file.readAll())).captured(), QString());
+    }
 }
 
 QTEST_MAIN(TestPortalWithoutBox)
