@@ -9,7 +9,6 @@ add_library(kavrostbbrowser MODULE
     shell/PluginWrapper.cpp
     shell/PluginWrapper.h
     shell/StbInterface.h
-    shell/VerificationData.cpp
     browser/AddressDialog.cpp
     browser/CaBundle.cpp
     browser/DeleteGuard.cpp

@@ -13,8 +13,13 @@
 #if QT_VERSION >= 0x050000
 /// Stands in the class that is the plugin's root object.
 #define KAVRO_PLUGIN_ROOT Q_PLUGIN_METADATA(IID KAVRO_STB_INTERFACE_ID)
-/// Stands once in a source file, after the class.
-#define KAVRO_EXPORT_PLUGIN(className)
+/// Stands once in a source file, after the class. Launchers of Qt 4 ask, before they load a plugin, whether both were
+/// built alike, of a function that only Qt 4's own macro defines.
+#define KAVRO_EXPORT_PLUGIN(className)                                                                                 \
+    extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()                                           \
+    {                                                                                                                  \
+        return "pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.7.0\ndebug=false\nbuildkey=" KAVRO_PLUGIN_BUILD_KEY;    \
+    }
 #else
 #define KAVRO_PLUGIN_ROOT
 #define KAVRO_EXPORT_PLUGIN(className) Q_EXPORT_PLUGIN2(kavrostbbrowser, className)
