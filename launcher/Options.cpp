@@ -112,7 +112,8 @@ Options Options::fromCommandLine()
     insideOption.setFlags(QCommandLineOption::HiddenFromHelp);
     portalOption.setFlags(QCommandLineOption::HiddenFromHelp);
     parser.addOptions({helpOption, boxOption, headlessOption, screenshotOption, exitOption, keysOption, modelOption,
-                       traceOption, sizeOption, engineOption, remoteOption, inspectorOption, insideOption, portalOption});
+                       traceOption, sizeOption, engineOption, remoteOption, inspectorOption, insideOption,
+                       portalOption});
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
     if (!parser.parse(QCoreApplication::arguments()))
@@ -154,7 +155,8 @@ QStringList Options::forInside() const
     if (!size.isEmpty())
         arguments << "--size" << QString("%1x%2").arg(size.width()).arg(size.height());
     if (!boxEngine)
-        arguments << "--engine" << "pc";
+        arguments << "--engine"
+                  << "pc";
     if (trace)
         arguments << "--trace";
     if (remote)

@@ -19,7 +19,7 @@ struct Options
     QString keys;
     QString model;
     bool trace = false;
-    QSize size; ///< of the window; empty without
+    QSize size;            ///< of the window; empty without
     bool boxEngine = true; ///< pages find the web engine of a box, not the PC's
     bool remote = false;
     bool inspector = false;

@@ -4,6 +4,10 @@
 #include "PageConsole.h"
 
 #include "Report.h"
+#include "engine/WebView.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
 
 namespace {
 
@@ -13,16 +17,25 @@ const int longestMessage = 2000; // characters
 
 PageConsole::PageConsole(const QObject *view)
 {
-    const QObjectList &children = view->children();
-    for (const QObject *child : children) {
-        if (child->inherits("QWebPage"))
-            connect(child, SIGNAL(consoleMessageReceived(MessageSource, MessageLevel, QString, int, QString)),
-                    SLOT(show(MessageSource, MessageLevel, QString, int, QString)));
-    }
+    const QObject *page = WebView::page(view);
+    m_frame = WebView::mainFrame(page);
+    connect(page, SIGNAL(consoleMessageReceived(MessageSource, MessageLevel, QString, int, QString)),
+            SLOT(show(MessageSource, MessageLevel, QString, int, QString)));
+}
+
+void PageConsole::warn(const QString &text)
+{
+    m_ownMessage = text;
+    const QByteArray quoted = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    if (m_frame)
+        WebView::evaluate(m_frame, "console.warn(" + QString::fromUtf8(quoted) + "[0])");
+    m_ownMessage.clear();
 }
 
 void PageConsole::show(MessageSource, MessageLevel level, const QString &message, int line, const QString &file)
 {
+    if (!m_ownMessage.isEmpty() && message == m_ownMessage)
+        return;
     const QString kind = level == ErrorLevel ? "console error" : level == WarningLevel ? "console warning" : "console";
     QString text = message.size() > longestMessage ? message.left(longestMessage) + "..." : message;
     for (QChar &character : text) {

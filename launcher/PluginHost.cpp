@@ -53,6 +53,7 @@ void PluginHost::destroy()
     if (m_application)
         m_application->hide();
     m_application = nullptr;
+    m_engineReport.reset();
     m_console.reset(); // what the page says from here on is about objects that have gone before it
     delete m_instance;
 }
@@ -65,8 +66,10 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
             m_console = std::make_unique<PageConsole>(child);
-            if (m_hasBoxEngine)
+            if (m_hasBoxEngine) {
                 m_engine = std::make_unique<BoxEngine>(child);
+                m_engineReport = std::make_unique<EngineReport>(child, m_console.get());
+            }
             QTimer::singleShot(0, this, SIGNAL(started()));
         }
     }

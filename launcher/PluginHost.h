@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "EngineReport.h"
 #include "PageConsole.h"
 #include "engine/BoxEngine.h"
 
@@ -48,5 +49,6 @@ private:
     QPointer<QObject> m_instance;
     std::unique_ptr<BoxEngine> m_engine;
     std::unique_ptr<PageConsole> m_console;
+    std::unique_ptr<EngineReport> m_engineReport;
     CStbApplication *m_application = nullptr;
 };

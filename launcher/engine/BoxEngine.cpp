@@ -4,24 +4,14 @@
 #include "BoxEngine.h"
 
 #include "NameLists.h"
+#include "WebView.h"
 
 #include <QFile>
-#include <QVariant>
 
 namespace {
 
-// Of QWebFrame, which is used by name: this program loads the web engine with the plugin only, inside the box.
 const char *const newWindow = SIGNAL(javaScriptWindowObjectCleared());
 const char *const addScriptObjects = SLOT(populateJavaScriptWindowObject());
-
-const QObject *childOf(const QObject *parent, const char *className)
-{
-    for (const QObject *child : parent->children()) {
-        if (child->inherits(className))
-            return child;
-    }
-    return nullptr;
-}
 
 QString removalScript()
 {
@@ -38,18 +28,11 @@ BoxEngine::BoxEngine(QObject *view)
 {
     Q_INIT_RESOURCE(engine);
     m_script = removalScript();
-    if (const QObject *page = childOf(view, "QWebPage")) {
-        connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watch(QWebFrame *)));
-        watchMainFrame(view, page);
-    }
-}
+    const QObject *page = WebView::page(view);
+    connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watch(QWebFrame *)));
 
-// The plugin has connected its own scripts already; they come after this now.
-void BoxEngine::watchMainFrame(QObject *view, const QObject *page)
-{
-    const QObject *frame = childOf(page, "QWebFrame");
-    if (!frame)
-        return;
+    // The plugin has connected its own scripts already; they come after this now.
+    const QObject *frame = WebView::mainFrame(page);
     const bool arePluginsConnected = disconnect(frame, newWindow, view, addScriptObjects);
     connect(frame, newWindow, this, SLOT(removeNames()));
     if (arePluginsConnected)
@@ -63,5 +46,5 @@ void BoxEngine::watch(QWebFrame *frame)
 
 void BoxEngine::removeNames()
 {
-    QMetaObject::invokeMethod(sender(), "evaluateJavaScript", Q_ARG(QString, m_script));
+    WebView::evaluate(sender(), m_script);
 }

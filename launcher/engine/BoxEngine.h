@@ -23,7 +23,5 @@ private slots:
     void removeNames();
 
 private:
-    void watchMainFrame(QObject *view, const QObject *page);
-
     QString m_script;
 };

@@ -1,0 +1,110 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "SourceCheck.h"
+
+#include "NameLists.h"
+
+#include <QFile>
+#include <QJSEngine>
+
+namespace {
+
+QString textOf(const QString &name)
+{
+    QFile file(":/engine/" + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("The resource %s is missing", qPrintable(file.fileName()));
+    return QString::fromUtf8(file.readAll());
+}
+
+QJSValue evaluated(QJSEngine *engine, const QString &text, const QString &name)
+{
+    const QJSValue value = engine->evaluate(text, name);
+    if (value.isError() && !engine->isInterrupted())
+        qFatal("%s: %s", qPrintable(name), qPrintable(value.toString()));
+    return value;
+}
+
+// In strict scripts this engine takes some calls for the last thing that a function does though they are not.
+QString unstrict(QString text)
+{
+    return text.remove("'use strict';").remove("\"use strict\";");
+}
+
+void loadParsers(QJSEngine *engine)
+{
+    evaluated(engine, unstrict(textOf("acorn.js")), "acorn.js");
+    evaluated(engine, textOf("modules.js"), "modules.js");
+    QJSValue add = engine->globalObject().property("modules").property("add");
+    for (const char *module : {"css/parse", "css-what/parse", "css-what/types", "postcss-value-parser/parse"})
+        add.call({module, unstrict(textOf(QString(module) + ".js"))});
+    evaluated(engine, "var lists = " + QString::fromUtf8(NameLists::asJson(":/engine/styles.txt")), "styles.txt");
+    for (const char *script : {"scripts.js", "styles.js", "sources.js"})
+        evaluated(engine, textOf(script), script);
+}
+
+QString sentence(const QString &address, const QJSValue &finding)
+{
+    const int more = finding.property("more").toInt();
+    const QString places = more == 0 ? QString()
+        : more == 1                  ? " (and once more)"
+                                     : QString(" (and %1 times more)").arg(more);
+    return QString("%1:%2: the box's engine %3%4; write %5")
+        .arg(address, finding.property("line").toString(), finding.property("does").toString(), places,
+             finding.property("instead").toString());
+}
+
+} // namespace
+
+SourceCheck::SourceCheck()
+{
+    Q_INIT_RESOURCE(engine);
+    Q_INIT_RESOURCE(parsers);
+    m_onThread.moveToThread(&m_thread);
+    connect(&m_thread, &QThread::started, &m_onThread, [this] { setUp(); });
+    connect(&m_thread, &QThread::finished, &m_onThread, [this] { delete m_engine.load(); });
+    m_thread.start(QThread::LowPriority);
+}
+
+SourceCheck::~SourceCheck()
+{
+    if (QJSEngine *engine = m_engine)
+        engine->setInterrupted(true);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+// On the thread.
+void SourceCheck::setUp()
+{
+    QJSEngine *engine = new QJSEngine;
+    m_engine = engine;
+    loadParsers(engine);
+}
+
+void SourceCheck::look(const QString &address, const QString &kind, const QByteArray &text)
+{
+    if (text.size() > largestText) {
+        emit looked(address,
+                    {QString("%1: this has more than %2 bytes, so nobody has looked whether the box's engine "
+                             "knows all of it")
+                         .arg(address, QString::number(largestText))});
+        return;
+    }
+    QMetaObject::invokeMethod(&m_onThread, [=] { lookHere(address, kind, QString::fromUtf8(text)); });
+}
+
+// On the thread.
+void SourceCheck::lookHere(const QString &address, const QString &kind, const QString &text)
+{
+    QStringList sentences;
+    const QJSEngine *engine = m_engine;
+    const QJSValue findings = engine->globalObject().property("sources").property("look").call({kind, text});
+    if (findings.isError() && !engine->isInterrupted())
+        sentences += QString("%1: this could not be looked at for what the box's engine does not know (%2)")
+                         .arg(address, findings.toString());
+    for (quint32 i = 0; i < findings.property("length").toUInt(); ++i)
+        sentences += sentence(address, findings.property(i));
+    emit looked(address, sentences);
+}

@@ -1,0 +1,42 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QThread>
+
+#include <atomic>
+
+class QJSEngine;
+
+/// Looks at scripts, style sheets and pages for what the box's engine does not know. Well-known parsers do so, in a
+/// script engine of their own, on a thread of their own, so that no page waits for it.
+class SourceCheck : public QObject
+{
+    Q_OBJECT
+
+public:
+    SourceCheck();
+    /// Breaks off what is going on.
+    ~SourceCheck() override;
+
+    static constexpr int largestText = 2 * 1024 * 1024; // bytes
+
+public slots:
+    /// Kinds are "script", "style" and "page". A text of more than largestText bytes is not looked at, which is said.
+    void look(const QString &address, const QString &kind, const QByteArray &text);
+
+signals:
+    /// A sentence for each thing that was found, with address and line. Once for each text, also if there is none.
+    void looked(const QString &address, const QStringList &sentences);
+
+private:
+    void setUp();
+    void lookHere(const QString &address, const QString &kind, const QString &text);
+
+    QThread m_thread;
+    QObject m_onThread;
+    std::atomic<QJSEngine *> m_engine = nullptr; // of the thread
+};
