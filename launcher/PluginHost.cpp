@@ -3,6 +3,8 @@
 
 #include "PluginHost.h"
 
+#include "engine/WebView.h"
+
 #include "shell/CStbApplication.h"
 
 #include <QChildEvent>
@@ -67,7 +69,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
             m_console = std::make_unique<PageConsole>(child);
             if (m_hasBoxEngine) {
-                m_engine = std::make_unique<BoxEngine>(child);
+                m_engine = std::make_unique<BoxEngine>(WebView::page(child));
                 m_engineReport = std::make_unique<EngineReport>(child, m_console.get());
             }
             QTimer::singleShot(0, this, SIGNAL(started()));

@@ -24,16 +24,16 @@ QString removalScript()
 
 } // namespace
 
-BoxEngine::BoxEngine(QObject *view)
+BoxEngine::BoxEngine(const QObject *page)
 {
     Q_INIT_RESOURCE(engine);
     m_script = removalScript();
-    const QObject *page = WebView::page(view);
     connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watch(QWebFrame *)));
 
-    // The plugin has connected its own scripts already; they come after this now.
+    // The plugin has connected its own scripts already.
     const QObject *frame = WebView::mainFrame(page);
-    const bool arePluginsConnected = disconnect(frame, newWindow, view, addScriptObjects);
+    const QObject *view = page->parent();
+    const bool arePluginsConnected = view && disconnect(frame, newWindow, view, addScriptObjects);
     connect(frame, newWindow, this, SLOT(removeNames()));
     if (arePluginsConnected)
         connect(frame, newWindow, view, addScriptObjects);

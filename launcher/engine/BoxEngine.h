@@ -8,15 +8,15 @@
 
 class QWebFrame;
 
-/// Makes the pages of a web view find the engine of a box: takes from each page and frame, before its first script, the
-/// names that the box's engine lacks.
+/// Makes the documents of a page find the engine of a box: takes from each document and frame, before its first script,
+/// the names that the box's engine lacks.
 class BoxEngine : public QObject
 {
     Q_OBJECT
 
 public:
-    /// For the plugin's view, before its first page. The engine meets the plugin's own scripts in this state too.
-    explicit BoxEngine(QObject *view);
+    /// For a QWebPage, before its first document. Scripts of the plugin, if it is the page's parent, come after this.
+    explicit BoxEngine(const QObject *page);
 
 private slots:
     void watch(QWebFrame *frame);

@@ -3,6 +3,7 @@
 
 #include "LoadedTexts.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QNetworkAccessManager>
@@ -31,24 +32,59 @@ QString kindOf(const QByteArray &contentType, const QUrl &url)
     return isUntyped && (suffix == "html" || suffix == "htm") ? "page" : QString();
 }
 
+// Takes all that is written, and keeps what is worth to be looked at.
+class TextBuffer : public QBuffer
+{
+public:
+    using QBuffer::QBuffer;
+
+protected:
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        const qint64 room = LoadedTexts::largestText + 1 - this->size();
+        if (room > 0)
+            QBuffer::writeData(data, qMin(size, room));
+        return size;
+    }
+};
+
 } // namespace
 
 LoadedTexts::LoadedTexts(QNetworkAccessManager *manager)
+    : m_manager(manager)
 {
     manager->setCache(this);
-    connect(manager, &QNetworkAccessManager::finished, this, &LoadedTexts::takeFile);
+    connect(manager, &QNetworkAccessManager::finished, this, &LoadedTexts::endLoad);
 }
 
-// Files and data are loaded without a cache.
-void LoadedTexts::takeFile(const QNetworkReply *reply)
+void LoadedTexts::endLoad(const QNetworkReply *reply)
 {
-    const QUrl url = reply->url();
-    const QString kind = kindOf({}, url);
-    if (!url.isLocalFile() || kind.isEmpty())
+    takeFile(reply->url());
+    dropLeftovers();
+}
+
+// Files are loaded without a cache.
+void LoadedTexts::takeFile(const QUrl &url)
+{
+    const QString kind = url.isLocalFile() ? kindOf({}, url) : QString();
+    if (kind.isEmpty())
         return;
     QFile file(url.toLocalFile());
     if (file.open(QIODevice::ReadOnly))
-        emit loaded(url.toString(), kind, file.readAll());
+        emit loaded(url.toString(), kind, file.read(largestText + 1));
+}
+
+// The manager does not tell when a load is broken off, nor whose a text is. But when nothing is loaded any more, nobody
+// writes to what is left.
+void LoadedTexts::dropLeftovers()
+{
+    const QList<QNetworkReply *> replies = m_manager->findChildren<QNetworkReply *>();
+    for (const QNetworkReply *reply : replies) {
+        if (reply->isRunning())
+            return;
+    }
+    qDeleteAll(m_open.keys());
+    m_open.clear();
 }
 
 QIODevice *LoadedTexts::prepare(const QNetworkCacheMetaData &metaData)
@@ -60,9 +96,9 @@ QIODevice *LoadedTexts::prepare(const QNetworkCacheMetaData &metaData)
             contentType = header.second;
     }
     const QString kind = kindOf(contentType, metaData.url());
-    if (kind.isEmpty())
+    if (kind.isEmpty() || m_open.size() >= mostTexts)
         return nullptr;
-    QBuffer *device = new QBuffer(this);
+    TextBuffer *device = new TextBuffer(this);
     device->open(QIODevice::ReadWrite);
     m_open[device] = {metaData.url().toString(), kind};
     return device;
@@ -72,21 +108,13 @@ void LoadedTexts::insert(QIODevice *device)
 {
     const Text text = m_open.take(device);
     if (!text.kind.isEmpty())
-        emit loaded(text.address, text.kind, static_cast<QBuffer *>(device)->data());
+        emit loaded(text.address, text.kind, static_cast<TextBuffer *>(device)->data());
     device->deleteLater();
 }
 
-// A load was broken off, or has another end than it began with.
-bool LoadedTexts::remove(const QUrl &url)
+// There may be several loads of one address, of which this is about any.
+bool LoadedTexts::remove(const QUrl &)
 {
-    const QList<QIODevice *> devices = m_open.keys();
-    for (QIODevice *device : devices) {
-        if (m_open[device].address == url.toString()) {
-            m_open.remove(device);
-            device->deleteLater();
-            return true;
-        }
-    }
     return false;
 }
 

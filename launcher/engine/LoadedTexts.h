@@ -4,7 +4,6 @@
 #pragma once
 
 #include <QAbstractNetworkCache>
-#include <QBuffer>
 #include <QHash>
 
 class QNetworkAccessManager;
@@ -19,6 +18,10 @@ class LoadedTexts : public QAbstractNetworkCache
 public:
     /// The manager becomes its owner.
     explicit LoadedTexts(QNetworkAccessManager *manager);
+
+    /// No more than a byte beyond this is kept of a text, and no more texts are kept at a time.
+    static constexpr int largestText = 2 * 1024 * 1024;
+    static constexpr int mostTexts = 64;
 
     QNetworkCacheMetaData metaData(const QUrl &url) override;
     void updateMetaData(const QNetworkCacheMetaData &metaData) override;
@@ -42,7 +45,10 @@ private:
         QString kind;
     };
 
-    void takeFile(const QNetworkReply *reply);
+    void endLoad(const QNetworkReply *reply);
+    void takeFile(const QUrl &url);
+    void dropLeftovers();
 
+    const QNetworkAccessManager *m_manager;
     QHash<QIODevice *, Text> m_open;
 };

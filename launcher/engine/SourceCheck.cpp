@@ -10,6 +10,8 @@
 
 namespace {
 
+const int idleTime = 5000; // ms
+
 QString textOf(const QString &name)
 {
     QFile file(":/engine/" + name);
@@ -32,7 +34,7 @@ QString unstrict(QString text)
     return text.remove("'use strict';").remove("\"use strict\";");
 }
 
-void loadParsers(QJSEngine *engine)
+void setUp(QJSEngine *engine)
 {
     evaluated(engine, unstrict(textOf("acorn.js")), "acorn.js");
     evaluated(engine, textOf("modules.js"), "modules.js");
@@ -61,26 +63,45 @@ SourceCheck::SourceCheck()
 {
     Q_INIT_RESOURCE(engine);
     Q_INIT_RESOURCE(parsers);
-    m_onThread.moveToThread(&m_thread);
-    connect(&m_thread, &QThread::started, &m_onThread, [this] { setUp(); });
-    connect(&m_thread, &QThread::finished, &m_onThread, [this] { delete m_engine.load(); });
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(idleTime);
+    connect(&m_idle, &QTimer::timeout, &m_idle, [this] { dropParsers(); });
+    m_idle.moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, &m_idle, [this] {
+        m_idle.stop();
+        dropParsers();
+    });
     m_thread.start(QThread::LowPriority);
 }
 
 SourceCheck::~SourceCheck()
 {
-    if (QJSEngine *engine = m_engine)
-        engine->setInterrupted(true);
+    {
+        const QMutexLocker locker(&m_lock);
+        m_isEnding = true;
+        if (m_engine)
+            m_engine->setInterrupted(true);
+    }
     m_thread.quit();
     m_thread.wait();
 }
 
-// On the thread.
-void SourceCheck::setUp()
+// On the thread, as all that follows but look().
+void SourceCheck::loadParsers()
 {
-    QJSEngine *engine = new QJSEngine;
-    m_engine = engine;
-    loadParsers(engine);
+    {
+        const QMutexLocker locker(&m_lock);
+        m_engine = std::make_unique<QJSEngine>();
+        m_engine->setInterrupted(m_isEnding);
+    }
+    setUp(m_engine.get());
+}
+
+// A page is looked at once; until the next one the memory is better given back.
+void SourceCheck::dropParsers()
+{
+    const QMutexLocker locker(&m_lock);
+    m_engine.reset();
 }
 
 void SourceCheck::look(const QString &address, const QString &kind, const QByteArray &text)
@@ -92,19 +113,23 @@ void SourceCheck::look(const QString &address, const QString &kind, const QByteA
                          .arg(address, QString::number(largestText))});
         return;
     }
-    QMetaObject::invokeMethod(&m_onThread, [=] { lookHere(address, kind, QString::fromUtf8(text)); });
+    QMetaObject::invokeMethod(&m_idle, [=] { lookHere(address, kind, QString::fromUtf8(text)); });
 }
 
-// On the thread.
 void SourceCheck::lookHere(const QString &address, const QString &kind, const QString &text)
 {
     QStringList sentences;
-    const QJSEngine *engine = m_engine;
+    if (!m_engine)
+        loadParsers();
+    const QJSEngine *engine = m_engine.get();
     const QJSValue findings = engine->globalObject().property("sources").property("look").call({kind, text});
-    if (findings.isError() && !engine->isInterrupted())
+    if (engine->isInterrupted())
+        return;
+    if (findings.isError())
         sentences += QString("%1: this could not be looked at for what the box's engine does not know (%2)")
                          .arg(address, findings.toString());
     for (quint32 i = 0; i < findings.property("length").toUInt(); ++i)
         sentences += sentence(address, findings.property(i));
+    m_idle.start();
     emit looked(address, sentences);
 }

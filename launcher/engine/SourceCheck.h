@@ -3,11 +3,15 @@
 
 #pragma once
 
+#include "LoadedTexts.h"
+
+#include <QMutex>
 #include <QObject>
 #include <QStringList>
 #include <QThread>
+#include <QTimer>
 
-#include <atomic>
+#include <memory>
 
 class QJSEngine;
 
@@ -22,7 +26,7 @@ public:
     /// Breaks off what is going on.
     ~SourceCheck() override;
 
-    static constexpr int largestText = 2 * 1024 * 1024; // bytes
+    static constexpr int largestText = LoadedTexts::largestText; // bytes
 
 public slots:
     /// Kinds are "script", "style" and "page". A text of more than largestText bytes is not looked at, which is said.
@@ -33,10 +37,13 @@ signals:
     void looked(const QString &address, const QStringList &sentences);
 
 private:
-    void setUp();
+    void loadParsers();
+    void dropParsers();
     void lookHere(const QString &address, const QString &kind, const QString &text);
 
     QThread m_thread;
-    QObject m_onThread;
-    std::atomic<QJSEngine *> m_engine = nullptr; // of the thread
+    QTimer m_idle; // of the thread
+    QMutex m_lock; // of what follows
+    std::unique_ptr<QJSEngine> m_engine;
+    bool m_isEnding = false;
 };

@@ -70,8 +70,10 @@
             removeAllBut([], entry.prototype, entry.name);
     });
     plain.forEach(function (entry) {
-        if (kept[entry.name])
-            removeAllBut(kept[entry.name], entry.object, entry.name);
+        chain(entry.object).forEach(function (object) {
+            if (object !== Object.prototype)
+                removeAllBut(kept[entry.name], object, entry.name);
+        });
     });
     kept.inconstructible.forEach(refuse);
     Object.getOwnPropertyNames(window).forEach(function (name) {

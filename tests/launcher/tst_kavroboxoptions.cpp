@@ -82,7 +82,7 @@ void TestKavroBoxOptions::helpListsTheOptions()
     QCOMPARE(m_program->run({"--help"}), 0);
     for (const char *option :
          {"--box <DIR>", "--headless", "--screenshot <FILE>", "--exit-after <SECONDS>", "--keys <KEYS>",
-          "--model <TEXT>", "--trace", "--size <WxH>", "--remote", "--inspector", "[URL]"})
+          "--model <TEXT>", "--trace", "--size <WxH>", "--engine <box|pc>", "--remote", "--inspector", "[URL]"})
         QVERIFY2(m_program->output().contains(option), option);
     QVERIFY(!m_program->output().contains("--inside"));
     QCOMPARE(m_program->errors(), QByteArray());
@@ -103,6 +103,8 @@ void TestKavroBoxOptions::wrongUsageIsRefusedInOneLine_data()
     QTest::newRow("size beyond all windows")
         << QStringList{"--size", "99999x99999"} << QByteArray("16384 pixels a side at most");
     QTest::newRow("size of nothing") << QStringList{"--size", "0x0"} << QByteArray("--size \"0x0\"");
+    QTest::newRow("engine of neither") << QStringList{"--engine", "chromium"}
+                                       << QByteArray("--engine \"chromium\" is neither box nor pc");
     QTest::newRow("unknown key") << QStringList{"--keys", "Up Dwon"} << QByteArray("--keys \"Dwon\"");
     QTest::newRow("screenshot nowhere") << QStringList{"--screenshot", "/nonexistent/a.png"}
                                         << QByteArray("the folder \"/nonexistent\"");

@@ -37,6 +37,10 @@ private slots:
     void theOutputIsThePluginsAlone();
     void thePagesConsoleIsShown();
     void thereIsStackForDeeplyNestedElements();
+    void pagesFindTheEngineThatIsAskedFor_data();
+    void pagesFindTheEngineThatIsAskedFor();
+    void whatABoxDoesNotKnowIsSaidOnce();
+    void whatABoxDoesNotKnowIsSaidAgainWhenTheFileHasChanged();
 
 private:
     /// The script of a page of another server that tells its address and leaves.
@@ -199,6 +203,61 @@ void TestKavroBoxPages::thereIsStackForDeeplyNestedElements()
     m_server->serve("/stack", page("tell(StbDisplay.ExecBlocking('stack', '').stdout[0]); leave();"));
     QCOMPARE(run({m_server->url("/stack").toString()}), 0);
     QCOMPARE(told(), QStringList("262144"));
+}
+
+void TestKavroBoxPages::pagesFindTheEngineThatIsAskedFor_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("types");
+    QTest::newRow("usual") << QStringList() << "undefined undefined object";
+    QTest::newRow("box") << QStringList{"--engine", "box"} << "undefined undefined object";
+    QTest::newRow("pc") << QStringList{"--engine", "pc"} << "function function object";
+}
+
+void TestKavroBoxPages::pagesFindTheEngineThatIsAskedFor()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const QString, types);
+    m_server->serve("/",
+                    page("tell([typeof Promise, typeof Function.prototype.bind, typeof StbMedia].join(' '));"
+                         "function later() { return () => 1; } leave(2000);"));
+    QCOMPARE(run(options + QStringList(m_server->url().toString())), 0);
+    QCOMPARE(told(), QStringList(types));
+    QCOMPARE(m_program->errors().contains("the box's engine"), options != QStringList({"--engine", "pc"}));
+}
+
+// The page's own console has it too.
+void TestKavroBoxPages::whatABoxDoesNotKnowIsSaidOnce()
+{
+    m_server->serve("/a.js", {"var a = 1;\nvar b = () => a;\n", "application/javascript"});
+    m_server->serve("/a.css", {"a { width: calc(1px) }", "text/css"});
+    m_server->serve(
+        "/",
+        page("var said = 0; console.warn = function (text) {"
+             "if (++said === 2) { tell(said + ' ' + text); setTimeout(function () { leave(0); }, 1000); } };",
+             "<link rel='stylesheet' href='a.css'><script src='a.js'></script>"));
+    QCOMPARE(run({m_server->url().toString()}), 0);
+    const QByteArray script = "kavro-box: " + m_server->url("/a.js").toEncoded() + ":2: the box's engine ";
+    const QByteArray style = "kavro-box: " + m_server->url("/a.css").toEncoded() + ":1: the box's engine ";
+    QCOMPARE(m_program->errors().count("the box's engine"), 2);
+    QCOMPARE(m_program->errors().count(script), 1);
+    QCOMPARE(m_program->errors().count(style), 1);
+    QCOMPARE(m_server->requestsFor("/a.js").size(), 1);
+    QCOMPARE(told().size(), 1);
+    QVERIFY2(told().first().startsWith("2 http://127.0.0.1:"), qPrintable(told().first()));
+}
+
+void TestKavroBoxPages::whatABoxDoesNotKnowIsSaidAgainWhenTheFileHasChanged()
+{
+    const QString file = m_folder->filePath("page.html");
+    QVERIFY(writeFile(file, "<script>let a;</script>"));
+    begin({"--exit-after", "8", "--keys", "wait:2000 Ctrl+R wait:2000 Ctrl+R", file});
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->errors().count("reads no script with let"), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->errors().count("Try to load page"), 1, patience);
+    QVERIFY(writeFile(file, "<p>\n<script>let a;</script>"));
+    QCOMPARE(m_program->finish(), 0);
+    QCOMPARE(m_program->errors().count("page.html:1: the box's engine reads no script with let"), 1);
+    QCOMPARE(m_program->errors().count("page.html:2: the box's engine reads no script with let"), 1);
 }
 
 QTEST_GUILESS_MAIN(TestKavroBoxPages)

@@ -12,49 +12,10 @@
 #include <QWebFrame>
 #include <QWebView>
 
-namespace {
-
-// Takes away what a box's engine has not, of what a portal's author might reach for. On a box only buttons and inputs
-// have click(), and listeners are added with three arguments.
-const char *const olderEngine = R"((function () {
-    var newer = {
-        'Array': 'from of',
-        'Array.prototype': 'copyWithin entries fill find findIndex includes keys',
-        'Element.prototype': 'classList closest matches remove',
-        'Function.prototype': 'bind',
-        'Math': 'sign trunc',
-        'Number': 'isFinite isInteger isNaN parseFloat parseInt',
-        'Object': 'assign freeze is isExtensible isFrozen isSealed preventExtensions seal setPrototypeOf',
-        'String.prototype': 'endsWith includes normalize repeat startsWith',
-        'window': 'Map Promise Proxy Reflect Set Symbol WeakMap WeakSet cancelAnimationFrame matchMedia performance '
-            + 'requestAnimationFrame'
-    };
-    var addEventListener = EventTarget.prototype.addEventListener;
-    Object.keys(newer).forEach(function (path) {
-        var object = path.split('.').reduce(function (parent, name) { return parent[name]; }, window);
-        newer[path].split(' ').forEach(function (name) { delete object[name]; });
-    });
-    HTMLButtonElement.prototype.click = HTMLInputElement.prototype.click = HTMLElement.prototype.click;
-    delete HTMLElement.prototype.click;
-    EventTarget.prototype.addEventListener = function (type, listener, capture) {
-        if (arguments.length < 3)
-            throw new TypeError('addEventListener with too few arguments');
-        addEventListener.call(this, type, listener, capture);
-    };
-})())";
-
-} // namespace
-
 QUrl PortalPage::url()
 {
     const QString page = QCoreApplication::applicationDirPath() + "/../share/kavro/portal/index.html";
     return QUrl::fromLocalFile(QDir::cleanPath(page));
-}
-
-void PortalPage::limitToBox(QWebFrame *frame)
-{
-    QObject::connect(frame, &QWebFrame::javaScriptWindowObjectCleared, frame,
-                     [frame] { frame->evaluateJavaScript(olderEngine); });
 }
 
 bool PortalPage::open(const QSize &size)
@@ -63,12 +24,10 @@ bool PortalPage::open(const QSize &size)
     PluginManifest manifest;
     manifest.resolution = size;
     HostedPlugin::writeManifest(manifest);
+    qputenv("KAVRO_ENGINE", "box");
     m_plugin = std::make_unique<HostedPlugin>();
     m_plugin->application()->show();
-    if (!m_plugin->start())
-        return false;
-    limitToBox(m_plugin->browser()->page()->mainFrame());
-    if (!m_plugin->load(url()))
+    if (!m_plugin->start() || !m_plugin->load(url()))
         return false;
     evaluate(
         "errors = []; onerror = function (message, file, line) { errors.push(file + ':' + line + ': ' + message); }");

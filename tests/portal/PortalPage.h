@@ -11,16 +11,12 @@
 #include <QStringList>
 #include <memory>
 
-class QWebFrame;
-
-/// The demonstration portal in the plugin, on the recording platform, with a remote control in front of it. It finds no
-/// more of the language than on a box. Ids of rows are told without "row-".
+/// The demonstration portal in the plugin, on the recording platform, with a remote control in front of it. It finds
+/// the web engine of a box. Ids of rows are told without "row-".
 class PortalPage
 {
 public:
     static QUrl url();
-    /// Has a frame's pages find no more than a box's engine has, which is of early 2010.
-    static void limitToBox(QWebFrame *frame);
 
     /// Shows the portal in a plugin of its own. False if that fails. Its calls to the platform are not forgotten.
     bool open(const QSize &size = {1280, 720});

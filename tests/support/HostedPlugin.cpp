@@ -4,6 +4,7 @@
 #include "HostedPlugin.h"
 
 #include "BoxEngine.h"
+#include "WebView.h"
 
 #include <QChildEvent>
 #include <QCoreApplication>
@@ -44,7 +45,7 @@ public:
         if (event->type() == QEvent::ChildPolished) {
             QObject *child = static_cast<QChildEvent *>(event)->child();
             if (child->inherits("QWebView"))
-                m_engine = std::make_unique<BoxEngine>(child);
+                m_engine = std::make_unique<BoxEngine>(WebView::page(child));
         }
         return false;
     }
