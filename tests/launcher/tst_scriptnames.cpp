@@ -155,24 +155,25 @@ QStringList TestScriptNames::unknownNames(const QStringList &texts)
 void TestScriptNames::scriptsUseNamesThatABoxHas_data()
 {
     QTest::addColumn<QString>("folder");
-    QTest::addColumn<QStringList>("ours"); // names from the C++ side
-    QTest::newRow("plugin") << "resources/page" << QStringList{"occurred", "rename"};
+    QTest::addColumn<QStringList>("others"); // of the plugin's objects; errors have a stack where there are guards
+    QTest::newRow("plugin") << "resources/page" << QStringList{"connect",  "disconnect", "eventCallback", "members",
+                                                               "occurred", "rename",     "stack"};
     QTest::newRow("portal") << "portal/js" << QStringList{};
 }
 
 void TestScriptNames::scriptsUseNamesThatABoxHas()
 {
     QFETCH(const QString, folder);
-    QFETCH(const QStringList, ours);
+    QFETCH(const QStringList, others);
     QStringList texts;
     QDirIterator files(SOURCE_DIR "/" + folder, {"*.js"}, QDir::Files);
     while (files.hasNext())
         texts += textOf(files.next());
     QVERIFY(texts.size() > 1);
     QStringList unknown = unknownNames(texts);
-    for (const QString &name : ours)
+    for (const QString &name : others)
         QVERIFY2(unknown.removeOne(name), qPrintable(name + " is used no more"));
-    QCOMPARE(unknown, QStringList());
+    QCOMPARE(unknown.join(" "), QString());
 }
 
 void TestScriptNames::otherNamesAreFound_data()
