@@ -87,7 +87,7 @@ void fireAll(Subject *subject, int count)
 Values names(const Setting &setting, const Work &work)
 {
     const auto subject = opened(setting, work.page);
-    return {evaluate(*subject, "(function () { var n = 0; for (var name in StbMedia) ++n; return n; })()").toInt()};
+    return {evaluate(*subject, "Object.keys(StbMedia).length").toInt()};
 }
 
 // Nanoseconds of a call from the page, for each round.

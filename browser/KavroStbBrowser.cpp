@@ -10,7 +10,6 @@
 #include "browser/JsApiTracer.h"
 #include "browser/PageEvents.h"
 #include "browser/PageGuards.h"
-#include "browser/RecordTimes.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
 #include "browser/WorkerRemover.h"
@@ -105,6 +104,7 @@ KavroStbBrowser::KavroStbBrowser(QWidget *parent)
 
 KavroStbBrowser::~KavroStbBrowser()
 {
+    qDeleteAll(findChildren<PageGuards *>()); // before what they stand for, also those of pages before
     // A page that has connected a function to destroyed() would be called with an object that is no more.
     for (const ScriptObject &script : std::as_const(scriptObjects))
         disconnect(script.object, nullptr, nullptr, nullptr);
@@ -146,7 +146,6 @@ void KavroStbBrowser::createScriptObjects()
     media = KavroJS::StbMedia::instance();
     display = KavroJS::StbDisplay::instance();
     pvr = KavroJS::StbPVR::instance();
-    recordTimes = new RecordTimes(pvr, this);
     deprecatedMedia = new KavroJSDeprecated::stb_media;
     deprecatedDisplay = new KavroJSDeprecated::stb_display;
 
@@ -360,7 +359,7 @@ void KavroStbBrowser::addGuards(QWebFrame *frame)
     pageGuards = new PageGuards(frame, this);
     for (const ScriptObject &script : std::as_const(scriptObjects))
         pageGuards->add(QLatin1String(script.name), script.object);
-    pageGuards->finish(recordTimes);
+    pageGuards->finish(pvr);
 }
 
 void KavroStbBrowser::setJsCallback(const QString &code)

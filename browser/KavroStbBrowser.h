@@ -12,7 +12,6 @@
 class CaBundle;
 class PageEvents;
 class PageGuards;
-class RecordTimes;
 class QFileSystemWatcher;
 class QNetworkReply;
 class QTimer;
@@ -87,7 +86,6 @@ private:
     KavroJS::StbMedia *media;
     KavroJS::StbDisplay *display;
     KavroJS::StbPVR *pvr;
-    RecordTimes *recordTimes;
     KavroJSDeprecated::stb_media *deprecatedMedia;
     KavroJSDeprecated::stb_display *deprecatedDisplay;
     QList<ScriptObject> scriptObjects;

@@ -6,6 +6,7 @@
 #include "browser/PageScript.h"
 #include "browser/RecordTimes.h"
 #include "browser/ScriptGuard.h"
+#include "browser/ScriptRelay.h"
 
 #include <QWebFrame>
 
@@ -22,10 +23,10 @@ void PageGuards::add(const QString &name, QObject *object)
     m_frame->addToJavaScriptWindowObject(name, guard);
 }
 
-void PageGuards::finish(RecordTimes *recordTimes)
+void PageGuards::finish(KavroJS::StbPVR *pvr)
 {
     m_frame->addToJavaScriptWindowObject(QLatin1String("pageGuards"), this);
-    m_frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), recordTimes);
+    m_frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), new RecordTimes(pvr, this));
     m_frame->evaluateJavaScript(pageScript("guards"));
 }
 
@@ -35,7 +36,7 @@ QObject *PageGuards::guarded(const QString &name)
     if (!guard)
         return nullptr;
     guard->showMembers();
-    return guard->guarded();
+    return new ScriptRelay(guard->guarded(), this);
 }
 
 void PageGuards::rename(const QString &name)

@@ -8,8 +8,11 @@
 #include <QString>
 
 class QWebFrame;
-class RecordTimes;
 class ScriptGuard;
+
+namespace KavroJS {
+class StbPVR;
+} // namespace KavroJS
 
 /// Puts, in the one page that it is made for, a guard before each of the script objects, under the same name and with
 /// the same members. Values that crash the engine on their way to a slot are stopped there, dates arrive as they were
@@ -25,10 +28,10 @@ public:
     /// Has the page know the object's guard by this name.
     void add(const QString &name, QObject *object);
     /// Gives the guards their members, before the page's first script runs.
-    void finish(RecordTimes *recordTimes);
+    void finish(KavroJS::StbPVR *pvr);
 
 public slots:
-    /// The object that the guard of this name stands for; from here on the guard lists its members.
+    /// A relay to the object that the guard of this name stands for; from here on the guard lists its members.
     QObject *guarded(const QString &name);
     /// The object with the guard of this name has another objectName now.
     void rename(const QString &name);

@@ -14,9 +14,7 @@ QMetaObject derivedFrom(const QMetaObject *base, const QMetaObject &metaObject)
 
 } // namespace
 
-void BoxObject::deleteLater()
-{
-}
+void BoxObject::deleteLater() { }
 
 ScriptGuard::ScriptGuard(QObject *guarded, QObject *parent)
     : QObject(parent)

@@ -20,6 +20,7 @@ add_library(kavrostbbrowser MODULE
     browser/PageScript.cpp
     browser/RecordTimes.cpp
     browser/ScriptGuard.cpp
+    browser/ScriptRelay.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
     browser/WorkerRemover.cpp

@@ -24,6 +24,7 @@
     var getTime = Date.prototype.getTime;
     var exec = RegExp.prototype.exec;
     var DateObject = Date;
+    var StringObject = String;
     var RangeErrorObject = RangeError;
     var TypeErrorObject = TypeError;
     var longestList = 100000;
@@ -73,6 +74,22 @@
         return value;
     }
 
+    // For all others: the engine asks an object for its text or number itself, and what it asks could find out who asks,
+    // a function that is not guarded.
+    function plain(value) {
+        if (!isObject(value))
+            return value;
+        var read = readers[on(value, toString)];
+        if (read) {
+            var primitive = on(value, read);
+            return primitive;
+        }
+        var asker = create(null);
+        asker.toString = function () { var text = StringObject(value); return text; };
+        asker.valueOf = function () { var number = +value; return number; };
+        return asker;
+    }
+
     // For a QDateTime: this number has no date either, and the engine knows how to say so.
     function dateTime(value) {
         var simple = isObject(value) ? held(value, Infinity) : value;
@@ -92,10 +109,10 @@
     }
 
     // An array can claim four billion entries that it does not have, and the engine would make them all. What
-    // is no array counts as its only entry.
+    // is no array counts as its only entry, unless it is an object, which the engine refuses.
     function numbers(value) {
         if (!isArray(value)) {
-            var single = number(value);
+            var single = isObject(value) ? held(value) : value;
             return single;
         }
         var length = value.length;
@@ -136,7 +153,7 @@
     var refusals = [
         {beginning: /^too few arguments in call to /, type: SyntaxError},
         {beginning: /^incompatible type of argument\(s\) in call to /, type: TypeErrorObject},
-        {beginning: /^QtMetaMethod\.\w+: no arguments given/, type: Error},
+        {beginning: /^QtMetaMethod\.\w+: (no arguments given|failed to)/, type: Error},
         {beginning: /^QtMetaMethod\./, type: TypeErrorObject}
     ];
 
@@ -173,12 +190,19 @@
         return result;
     }
 
+    // The engine forgets what it knows of an object's methods when it has forgotten the object.
+    var kept = [];
+
     function guarded(method, index, safe) {
         return function () {
-            if (index < arguments.length)
-                arguments[index] = safe(arguments[index]);
+            for (var i = 0; i < arguments.length; ++i) {
+                if (i === index)
+                    arguments[i] = safe(arguments[i]);
+                else if (typeof arguments[i] === 'object' || typeof arguments[i] === 'function')
+                    arguments[i] = plain(arguments[i]);
+            }
             try {
-                var result = call(method, arguments);
+                var result = kept && call(method, arguments);
                 return result;
             } catch (error) {
                 throw refused(error);
@@ -186,23 +210,70 @@
         };
     }
 
-    // The engine looks for the member even of a receiver that is none.
-    function withReceiver(name, action) {
-        return function (receiver) {
-            if (arguments.length > 1 && (receiver === null || receiver === undefined))
-                throw errorOf(TypeErrorObject, 'QtMetaMethod.' + name + ': thisObject is not an object');
+    // The function that connect and disconnect are about. The engine itself would look for the member of a receiver that
+    // is none, and would tell it who asks.
+    function listener(name, list) {
+        var found = list[list.length > 1 ? 1 : 0];
+        if (list.length > 1 && (list[0] === null || list[0] === undefined))
+            throw errorOf(TypeErrorObject, 'QtMetaMethod.' + name + ': thisObject is not an object');
+        if (list.length > 1 && typeof found !== 'function')
+            found = list[0][StringObject(found)];
+        if (typeof found !== 'function')
+            throw errorOf(TypeErrorObject, 'QtMetaMethod.' + name + ': target is not a function');
+        return found;
+    }
+
+    // A signal's functions connect and disconnect. What the engine calls is not the page's function, which could find out
+    // who calls, and of which it would read as many arguments as it says it has.
+    function guardedSignal(signal) {
+        var guard = guarded(signal, signal.name.indexOf('destroyed') === 0 ? 0 : undefined, function (value) {
+            return value;
+        });
+        var connect = signal.connect;
+        var disconnect = signal.disconnect;
+        var connections = [];
+
+        function finished(action, list) {
             try {
-                call(action, arguments);
+                call(action, list);
             } catch (error) {
                 throw refused(error);
             }
-        };
-    }
+        }
 
-    function guardedSignal(signal) {
-        var guard = guarded(signal);
-        define(guard, 'connect', {value: withReceiver('connect', signal.connect)});
-        define(guard, 'disconnect', {value: withReceiver('disconnect', signal.disconnect)});
+        put(guard, 'connect', function (receiver) {
+            if (!arguments.length)
+                finished(connect, arguments);
+            var called = listener('connect', arguments);
+            var self = arguments.length > 1 ? receiver : undefined;
+            var relay = function () {
+                if (arguments.length)
+                    called.call(self, arguments[0]);
+                else
+                    called.call(self);
+            };
+            var connection = create(null);
+            connection.self = self;
+            connection.called = called;
+            connection.relay = relay;
+            finished(connect, [relay]);
+            put(connections, connections.length, connection);
+        });
+        put(guard, 'disconnect', function (receiver) {
+            if (!arguments.length)
+                finished(disconnect, arguments);
+            var called = listener('disconnect', arguments);
+            var self = arguments.length > 1 ? receiver : undefined;
+            for (var i = 0; i < connections.length; ++i) {
+                if (connections[i].called === called && connections[i].self === self) {
+                    finished(disconnect, [connections[i].relay]);
+                    put(connections, i, connections[connections.length - 1]);
+                    connections.length -= 1;
+                    return;
+                }
+            }
+            finished(disconnect, [function () {}]);
+        });
         return guard;
     }
 
@@ -218,9 +289,18 @@
         stb_display: {}
     };
 
+    // Objects that inherit from a script object get members of their own.
+    function setBeyond(guard, object, name, value) {
+        if (object !== guard && isObject(object))
+            put(object, name, value);
+    }
+
     // As in the engine's own objects, a slot takes no other value, and says nothing about it.
     function addMethod(guard, name, method) {
-        define(guard, name, {get: function () { return method; }, set: function () {}});
+        define(guard, name, {
+            get: function () { return method; },
+            set: function (value) { setBeyond(guard, this, name, value); }
+        });
     }
 
     function methodFor(target, name, slot, rule) {
@@ -235,10 +315,14 @@
         define(guard, name, {
             get: function () { var value = target[name]; return value; },
             set: function (value) {
-                target[name] = value;
+                setBeyond(guard, this, name, value);
+                if (this !== guard)
+                    return;
+                target[name] = plain(value);
                 if (name === 'objectName')
                     pageGuards.rename(objectName);
-            }
+            },
+            enumerable: true
         });
     }
 
@@ -249,6 +333,7 @@
             return;
         var target = pageGuards.guarded(objectName);
         var rules = guards[objectName];
+        put(kept, kept.length, target);
         Object.keys(guard).forEach(function (name) {
             var slot = name.split('(')[0];
             if (slot === name) {

@@ -32,6 +32,7 @@ private slots:
     void guardsLookLikeTheirObjects_data();
     void guardsLookLikeTheirObjects();
     void whatAPageAddsStaysUntilTheNextPage();
+    void answersAreThePagesOwn();
 
 private:
     QString asJson(const QString &script) { return m_plugin->evaluateToJson(script); }
@@ -103,6 +104,9 @@ void TestPageGuards::guardsAreAsOnABox_data()
     row("(function () { 'use strict'; StbMedia.GetPlayersCount = 5; return StbMedia.GetPlayersCount(); })()", "0",
         "KVR_GetPlayersCount()");
     row("(StbDisplay.APIVersion = 'mine', StbDisplay.APIVersion)", R"js("v1.2")js");
+    row("(function () { var mine = Object.create(StbDisplay); mine.Log = 5; mine.APIVersion = 6;"
+        "return [mine.Log, mine.APIVersion, typeof StbDisplay.Log, StbDisplay.APIVersion]; })()",
+        R"js([5,6,"function","v1.2"])js");
 
     row("refusal(function () { StbMedia.Stop(); })",
         R"js(["SyntaxError","too few arguments in call to Stop(); candidates are\n    Stop(int)",true])js");
@@ -230,6 +234,18 @@ void TestPageGuards::whatAPageAddsStaysUntilTheNextPage()
     QVERIFY(m_plugin->loadHtml("<title>next</title>"));
     QCOMPARE(asJson("typeof StbPVR.mine"), QString("\"undefined\""));
     QCOMPARE(asJson("typeof StbPVR.AddRecord"), QString("\"function\""));
+}
+
+// Not those of the page before, which the engine may still know.
+void TestPageGuards::answersAreThePagesOwn()
+{
+    RecordingPlatform::reset();
+    asJson("Object.prototype.before = Array.prototype.before = 1; StbPVR.GetRecordsList(), "
+           "StbDisplay.GetGraphicsViewport()");
+    QVERIFY(m_plugin->loadHtml("<title>next</title>"));
+    QCOMPARE(asJson("[StbPVR.GetRecordsList() instanceof Array, StbDisplay.GetGraphicsViewport() instanceof Object,"
+                    "StbPVR.GetRecordsList().before, StbDisplay.GetGraphicsViewport().before]"),
+             QString("[true,true,null,null]"));
 }
 
 QTEST_MAIN(TestPageGuards)

@@ -23,6 +23,9 @@ private slots:
     void functionsAreConnectedToEachSignal();
     void nothingElseIsConnected_data();
     void nothingElseIsConnected();
+    void listenersHaveTheirReceivers_data();
+    void listenersHaveTheirReceivers();
+    void pagesMayEmitSignals();
     void pagesThatAreGoneHearNothing();
 
 private:
@@ -127,6 +130,51 @@ void TestPageSignals::nothingElseIsConnected()
                             "}); } }); (tried > 500) + taken.join()")
                         .arg(receiver)),
              QString("\"true\""));
+}
+
+void TestPageSignals::listenersHaveTheirReceivers_data()
+{
+    QTest::addColumn<QString>("listener");
+    QTest::addColumn<QString>("heard");
+    QTest::newRow("function") << "hear"
+                              << "[[true,5]]";
+    QTest::newRow("function of a receiver") << "receiver, hear"
+                                            << "[[\"mine\",5]]";
+    QTest::newRow("receiver's function by its name") << "receiver, 'hear'"
+                                                     << "[[\"mine\",5]]";
+}
+
+void TestPageSignals::listenersHaveTheirReceivers()
+{
+    QFETCH(const QString, listener);
+    QFETCH(const QString, heard);
+    const QString signal = "StbDisplay.keyDelayChanged.";
+    result("var heard = []; function hear(value) { heard.push([this === window || this.name, value]); }"
+           "var receiver = {name: 'mine', hear: hear};"
+           + signal + "connect(" + listener + "); StbDisplay.SetKeyEventPeriod(5);");
+    QCOMPARE(result("heard"), heard);
+    result(signal + "disconnect(" + listener + "); StbDisplay.SetKeyEventPeriod(0);");
+    QCOMPARE(result("heard"), heard);
+    QCOMPARE(result(signal + "disconnect(" + listener + ")"),
+             QString("throws Error: QtMetaMethod.disconnect: failed to disconnect from KavroJS::StbDisplay::"
+                     "keyDelayChanged()"));
+    // As often as it was connected.
+    result("heard = [];" + signal + "connect(" + listener + ");" + signal + "connect(" + listener + ");" + signal
+           + "disconnect(" + listener + "); StbDisplay.SetKeyEventPeriod(5)");
+    QCOMPARE(result("heard"), heard);
+}
+
+// The browser hears them too, and each listener once.
+void TestPageSignals::pagesMayEmitSignals()
+{
+    result("var heard = [], ran = 0; StbMedia.jsCallback.connect(function (text) { heard.push(text); });"
+           "StbMedia.CreatePlayer(); StbMedia.jsCallback('++ran')");
+    QCOMPARE(result("heard"), QString("[\"++ran\"]"));
+    RecordingPlatform::fire(1, KVR_EVENT_STATE);
+    RecordingPlatform::waitUntilFired();
+    QCoreApplication::processEvents();
+    QCOMPARE(result("ran"), QString("1"));
+    result("StbMedia.onEvent = ''");
 }
 
 void TestPageSignals::pagesThatAreGoneHearNothing()
