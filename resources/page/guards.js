@@ -344,5 +344,9 @@
             if (!guard.hasOwnProperty(slot))
                 addMethod(guard, slot, methodFor(target, slot, slot, rules[slot]));
         });
+        // The engine looks the members of an object with so many up anew at each use, until it has gone through it as a
+        // prototype.
+        for (var name in create(guard))
+            break;
     });
 })();
