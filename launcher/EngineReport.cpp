@@ -9,6 +9,12 @@
 
 #include <QNetworkAccessManager>
 
+namespace {
+
+const int mostSaid = 10000; // sentences, of a page that never loads the same twice
+
+} // namespace
+
 EngineReport::EngineReport(const QObject *view, PageConsole *console)
     : m_console(console)
 {
@@ -33,5 +39,6 @@ void EngineReport::say(const QString &address, const QStringList &sentences)
         if (!sentence.startsWith(address + ':'))
             said += sentence;
     }
-    m_said = said + QSet<QString>(sentences.begin(), sentences.end());
+    m_said = said.size() > mostSaid ? QSet<QString>() : said;
+    m_said += QSet<QString>(sentences.begin(), sentences.end());
 }

@@ -22,7 +22,7 @@ QString textOf(const QString &name)
 
 QJSValue evaluated(QJSEngine *engine, const QString &text, const QString &name)
 {
-    const QJSValue value = engine->evaluate(text, name);
+    QJSValue value = engine->evaluate(text, name);
     if (value.isError() && !engine->isInterrupted())
         qFatal("%s: %s", qPrintable(name), qPrintable(value.toString()));
     return value;
@@ -106,18 +106,23 @@ void SourceCheck::dropParsers()
 
 void SourceCheck::look(const QString &address, const QString &kind, const QByteArray &text)
 {
-    if (text.size() > largestText) {
+    QString reason;
+    if (text.size() > largestText)
+        reason = QString("it has more than %1 bytes").arg(largestText);
+    else if (m_waiting >= mostWaiting)
+        reason = "there are too many others";
+    if (!reason.isEmpty()) {
         emit looked(address,
-                    {QString("%1: this has more than %2 bytes, so nobody has looked whether the box's engine "
-                             "knows all of it")
-                         .arg(address, QString::number(largestText))});
+                    {QString("%1: nobody has looked whether the box's engine knows this: %2").arg(address, reason)});
         return;
     }
+    ++m_waiting;
     QMetaObject::invokeMethod(&m_idle, [=] { lookHere(address, kind, QString::fromUtf8(text)); });
 }
 
 void SourceCheck::lookHere(const QString &address, const QString &kind, const QString &text)
 {
+    --m_waiting;
     QStringList sentences;
     if (!m_engine)
         loadParsers();

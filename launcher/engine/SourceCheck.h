@@ -11,6 +11,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <memory>
 
 class QJSEngine;
@@ -27,9 +28,12 @@ public:
     ~SourceCheck() override;
 
     static constexpr int largestText = LoadedTexts::largestText; // bytes
+    /// Texts that may wait to be looked at.
+    static constexpr int mostWaiting = 100;
 
 public slots:
-    /// Kinds are "script", "style" and "page". A text of more than largestText bytes is not looked at, which is said.
+    /// Kinds are "script", "style" and "page". A text of more than largestText bytes is not looked at, nor are more
+    /// than mostWaiting at a time, which is said.
     void look(const QString &address, const QString &kind, const QByteArray &text);
 
 signals:
@@ -46,4 +50,5 @@ private:
     QMutex m_lock; // of what follows
     std::unique_ptr<QJSEngine> m_engine;
     bool m_isEnding = false;
+    std::atomic<int> m_waiting = 0;
 };

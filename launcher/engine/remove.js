@@ -12,6 +12,12 @@
     var isConstant = /^[A-Z][A-Z0-9_]*$/;
     var areConstantsListed = {Math: true, Number: true};
 
+    function setOf(names) {
+        var set = Object.create(null);
+        names.forEach(function (name) { set[name] = true; });
+        return set;
+    }
+
     function chain(object) {
         var objects = [];
         for (; object; object = Object.getPrototypeOf(object))
@@ -20,8 +26,9 @@
     }
 
     function removeAllBut(names, object, objectName) {
+        var set = setOf(names);
         Object.getOwnPropertyNames(object).forEach(function (name) {
-            var isListed = names.indexOf(name) >= 0 || name === 'constructor'
+            var isListed = set[name] || name === 'constructor'
                 || (typeof object === 'function' && ofFunctions.indexOf(name) >= 0)
                 || (isConstant.test(name) && !areConstantsListed[objectName]);
             if (!isListed)
@@ -53,15 +60,16 @@
     var plain = ['console', 'JSON', 'Math'].map(function (name) { return {name: name, object: window[name]}; });
 
     // The steps of the chains of what stays, such as EventTarget, are needed although they have no name there.
+    var globals = setOf(kept.window);
     var needed = [];
     interfaces.forEach(function (entry) {
-        if (kept.window.indexOf(entry.name) >= 0)
+        if (globals[entry.name])
             needed = needed.concat(chain(entry.prototype));
     });
 
     interfaces.forEach(function (entry) {
         var members = kept[entry.name + '.prototype'];
-        var isThere = kept.window.indexOf(entry.name) >= 0;
+        var isThere = globals[entry.name];
         if (kept[entry.name])
             removeAllBut(kept[entry.name], entry.constructor, entry.name);
         if (members)
@@ -77,7 +85,7 @@
     });
     kept.inconstructible.forEach(refuse);
     Object.getOwnPropertyNames(window).forEach(function (name) {
-        if (kept.window.indexOf(name) < 0)
+        if (!globals[name])
             delete window[name];
     });
 })

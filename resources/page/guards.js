@@ -108,8 +108,8 @@
         return typeof simple === 'symbol' || (simple === undefined && isObject(value)) ? 0 : simple;
     }
 
-    // An array can claim four billion entries that it does not have, and the engine would make them all. What
-    // is no array counts as its only entry, unless it is an object, which the engine refuses.
+    // An array can claim four billion entries that it does not have, and the engine would make them all. What is no array
+    // counts as its only entry, unless it is an object, which the engine refuses.
     function numbers(value) {
         if (!isArray(value)) {
             var single = isObject(value) ? held(value) : value;

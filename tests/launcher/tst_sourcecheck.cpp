@@ -33,6 +33,7 @@ private slots:
     void knownThingsAreNotMentioned();
     void eachThingIsSaidOnceWithItsFirstLine();
     void textsThatAreTooLargeAreNamed();
+    void pagesCannotHaveItKeepMoreAndMore();
     void itGoesOnAfterARest();
     void itCanBeEndedWhileItLooks();
 
@@ -234,6 +235,20 @@ void TestSourceCheck::textsThatAreTooLargeAreNamed()
     const QStringList said = sentences("script", QString(SourceCheck::largestText + 1, ' '));
     QCOMPARE(said.size(), 1);
     QVERIFY2(said.first().contains("more than 2097152 bytes"), qPrintable(said.first()));
+}
+
+void TestSourceCheck::pagesCannotHaveItKeepMoreAndMore()
+{
+    QSignalSpy looked(m_check.get(), &SourceCheck::looked);
+    const QByteArray text = QByteArray("f(function () { return [1, 2, 3]; });\n").repeated(50);
+    const int count = SourceCheck::mostWaiting + 50;
+    for (int i = 0; i < count; ++i)
+        m_check->look("http://host/file", "script", text);
+    const int refused = looked.count();
+    QVERIFY(refused > 0);
+    QVERIFY(looked.first().at(1).toStringList().value(0).endsWith("there are too many others"));
+    QTRY_COMPARE_WITH_TIMEOUT(looked.count(), count, patience);
+    QCOMPARE(sentences("script", "let a").size(), 1);
 }
 
 void TestSourceCheck::itGoesOnAfterARest()

@@ -5,6 +5,8 @@
 #include "RecordingPlatform.h"
 #include "ScriptSession.h"
 
+#include <QWebPage>
+#include <QWebView>
 #include <QtTest>
 #include <climits>
 #include <memory>
