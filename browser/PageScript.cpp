@@ -7,7 +7,6 @@
 
 QString pageScript(const char *name)
 {
-    const QString path = QString(QLatin1String(":/page/%1.js")).arg(QLatin1String(name));
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    QFile file(QLatin1String(":/page/") + QLatin1String(name) + QLatin1String(".js"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll().constData()) : QString();
 }

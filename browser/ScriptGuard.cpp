@@ -3,12 +3,14 @@
 
 #include "browser/ScriptGuard.h"
 
+#include "common/other/qtcompat.h"
+
 namespace {
 
 QMetaObject derivedFrom(const QMetaObject *base, const QMetaObject &metaObject)
 {
     QMetaObject derived = metaObject;
-    derived.d.superdata = base;
+    QtCompat::setSuperClass(derived, base);
     return derived;
 }
 

@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include <QMetaObject>
 #include <QMetaType>
 #include <QSslConfiguration>
 #include <QTimer>
@@ -30,6 +31,12 @@ namespace QtCompat {
 /// Whether pages can crash the toolkit's web engine by what they pass to script objects, and by workers. That of Qt 4
 /// can take it.
 const bool engineNeedsGuards = QT_VERSION >= 0x050000;
+
+/// Makes a copy of a class's meta-object that of a class derived from another one; from none, without it.
+inline void setSuperClass(QMetaObject &metaObject, const QMetaObject *superClass)
+{
+    metaObject.d.superdata = superClass;
+}
 
 /// Allows TLS 1.0 only.
 inline void setTls10(QSslConfiguration &configuration)

@@ -83,7 +83,7 @@ void LoadedTexts::dropLeftovers()
         if (reply->isRunning())
             return;
     }
-    qDeleteAll(m_open.keys());
+    qDeleteAll(m_open.keyBegin(), m_open.keyEnd());
     m_open.clear();
 }
 

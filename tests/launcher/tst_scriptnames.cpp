@@ -108,7 +108,8 @@ void TestScriptNames::initTestCase()
     const QStringList properties = lists["properties"].toVariant().toStringList();
     for (const QString &property : properties) {
         QString name;
-        for (const QString &word : property.split('-', Qt::SkipEmptyParts))
+        const QStringList words = property.split('-', Qt::SkipEmptyParts);
+        for (const QString &word : words)
             name += name.isEmpty() ? word : word[0].toUpper() + word.mid(1);
         m_known += name;
     }
