@@ -140,6 +140,7 @@ void TestPageGuards::guardsAreAsOnABox_data()
     row("StbMedia.GetPlayersCount(1, 2, 3)", "0", "KVR_GetPlayersCount()");
     row("StbMedia.GetPlayersCount(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11)", "undefined");
     row("StbMedia.Stop.call(null, 7)", "0", "KVR_Stop(7)");
+    row("Function.prototype.apply.call(StbMedia.Stop, window, [7])", "0", "KVR_Stop(7)");
     row("(function (stop) { return stop(7); })(StbMedia.Stop)", "0", "KVR_Stop(7)");
     row("StbMedia.Stop({})", "0", "KVR_Stop(0)");
     row("StbDisplay.SetOrder(['3', 7, 'x'])", "0", "KVR_SetOrder({3, 7, 0}, 3)");
