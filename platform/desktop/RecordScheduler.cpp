@@ -6,6 +6,7 @@
 #include "RecordStore.h"
 
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <algorithm>
 #include <ctime>
 #include <future>
@@ -30,8 +31,9 @@ std::string nameOf(const Record &record)
 RecordScheduler::RecordScheduler(EventRegistry &events)
     : m_events(events)
 {
-    // Has the toolkit's own list of connections made before the box is, and so destroyed after it.
+    // Has what the toolkit shares among connections and queries made before the box is, and so destroyed after it.
     QSqlDatabase::contains();
+    const QSqlQuery none{QSqlDatabase()};
 }
 
 void RecordScheduler::start()
