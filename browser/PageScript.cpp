@@ -7,6 +7,6 @@
 
 QString pageScript(const char *name)
 {
-    QFile file(QLatin1String(":/page/") + QLatin1String(name) + QLatin1String(".js"));
+    QFile file(QLatin1String(":/kavrostbbrowser/page/") + QLatin1String(name) + QLatin1String(".js"));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll().constData()) : QString();
 }

@@ -33,7 +33,7 @@ RecordScheduler::RecordScheduler(EventRegistry &events)
 {
     // Has what the toolkit shares among connections and queries made before the box is, and so destroyed after it.
     QSqlDatabase::contains();
-    const QSqlQuery none{QSqlDatabase()};
+    QSqlQuery(QSqlDatabase()).clear();
 }
 
 void RecordScheduler::start()
