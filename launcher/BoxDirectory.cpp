@@ -4,10 +4,12 @@
 #include "BoxDirectory.h"
 
 #include "ExitStatus.h"
+#include "Places.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 #include <cerrno>
 
@@ -18,6 +20,7 @@
 namespace {
 
 const char lockFile[] = "/lock";
+const char manifests[] = "/sdk";
 const quint16 firstPort = 20000; // below those that the system gives away itself
 const quint16 ports = 10000;
 
@@ -69,6 +72,13 @@ int BoxDirectory::open(const QString &path, QString *error)
     }
     m_path = QFileInfo(path).canonicalFilePath();
     return ExitStatus::Done;
+}
+
+int BoxDirectory::fill() const
+{
+    if (QFileInfo::exists(m_path + manifests))
+        return ExitStatus::Done;
+    return QProcess::execute(Places::inBox(), {m_path}) == 0 ? ExitStatus::Done : ExitStatus::NoBox;
 }
 
 quint16 BoxDirectory::port() const

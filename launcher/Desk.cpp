@@ -4,10 +4,10 @@
 #include "Desk.h"
 
 #include "ExitStatus.h"
-#include "Manifest.h"
 #include "Places.h"
 #include "RemoteControl.h"
 #include "Report.h"
+#include "ScreenshotFile.h"
 #include "TraceLevel.h"
 #include "platform/desktop/DeskBox.h"
 #include "shell/CStbApplication.h"
@@ -39,7 +39,8 @@ Desk::~Desk() = default;
 int Desk::run()
 {
     connectParts();
-    prepareBox();
+    if (m_options.trace && !TraceLevel::switchOn())
+        report(QString("%1 cannot be written, so nothing is traced").arg(Places::traceLevel));
     QString error;
     if (!m_plugin.load(Places::plugin(), &error)) {
         report(error);
@@ -59,15 +60,6 @@ Options Desk::optionsAfterRestart() const
     if (options.exitAfter)
         options.exitAfter = qMax(*options.exitAfter - double(m_sinceStart.elapsed()) / 1000, 0.0);
     return options;
-}
-
-void Desk::prepareBox() const
-{
-    if (m_options.trace && !TraceLevel::switchOn())
-        report(QString("%1 cannot be written, so nothing is traced").arg(Places::traceLevel));
-    const QString error = Manifest::setHomePage(Places::manifest, m_options.page, m_options.portal);
-    if (!error.isEmpty())
-        report(error + "; the plugin is started with it as it is");
 }
 
 void Desk::connectParts()
@@ -148,7 +140,7 @@ void Desk::leave(int status)
 
 bool Desk::saveScreenshot()
 {
-    if (m_options.screenshot.isEmpty() || m_screen->picture().save(m_options.screenshot, "PNG"))
+    if (m_options.screenshot.isEmpty() || ScreenshotFile::save(m_screen->picture(), m_options.screenshotDescriptor))
         return true;
     report(QString("the screenshot %1 cannot be written; free some space or choose another file")
                .arg(m_options.screenshot));

@@ -36,7 +36,6 @@ public:
     static constexpr int restart = -1;
 
 private:
-    void prepareBox() const;
     void connectParts();
     void showWindow();
     void startPlugin();

@@ -65,6 +65,18 @@ bool readEngine(const QString &text)
     return text == "box";
 }
 
+void readShared(const QCommandLineParser &parser, const QCommandLineOption &option, QStringList *arguments)
+{
+    const QStringList folders = parser.values(option);
+    for (const QString &folder : folders) {
+        const QFileInfo info(QDir::current(), folder);
+        const QString name = "--" + option.names().constFirst();
+        if (folder.isEmpty() || !info.isDir() || !info.isReadable())
+            refuse(QString("%1 \"%2\" is not a folder that can be read").arg(name, folder));
+        *arguments << name << info.absoluteFilePath();
+    }
+}
+
 QString readScreenshot(const QString &text)
 {
     const QFileInfo file(QDir::current(), text);
@@ -94,6 +106,8 @@ Options Options::fromCommandLine()
     const QCommandLineOption boxOption(
         "box", "Directory of the box's files, in your data folder without this option.", "DIR",
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/kavro-box");
+    const QCommandLineOption shareOption("share", "The box has this folder of the PC's too, read-only.", "FOLDER");
+    const QCommandLineOption shareWritableOption("share-rw", "The same, and pages and scripts may change it.", "FOLDER");
     const QCommandLineOption headlessOption("headless", "No window, the same composed picture.");
     const QCommandLineOption screenshotOption("screenshot", "Writes the screen as PNG when it ends.", "FILE");
     const QCommandLineOption exitOption("exit-after", "Ends after this time.", "SECONDS");
@@ -109,11 +123,12 @@ Options Options::fromCommandLine()
     const QCommandLineOption inspectorOption("inspector", "Shows the web inspector.");
     QCommandLineOption insideOption(QString(insideArgument).mid(2));
     QCommandLineOption portalOption("portal", {}, "URL");
-    insideOption.setFlags(QCommandLineOption::HiddenFromHelp);
-    portalOption.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({helpOption, boxOption, headlessOption, screenshotOption, exitOption, keysOption, modelOption,
-                       traceOption, sizeOption, engineOption, remoteOption, inspectorOption, insideOption,
-                       portalOption});
+    QCommandLineOption screenshotDescriptorOption("screenshot-descriptor", {}, "NUMBER", "-1");
+    for (QCommandLineOption *option : {&insideOption, &portalOption, &screenshotDescriptorOption})
+        option->setFlags(QCommandLineOption::HiddenFromHelp);
+    parser.addOptions({helpOption, boxOption, shareOption, shareWritableOption, headlessOption, screenshotOption,
+                       exitOption, keysOption, modelOption, traceOption, sizeOption, engineOption, remoteOption,
+                       inspectorOption, insideOption, portalOption, screenshotDescriptorOption});
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
     if (!parser.parse(QCoreApplication::arguments()))
@@ -128,7 +143,13 @@ Options Options::fromCommandLine()
     Options options;
     options.box = QDir::current().absoluteFilePath(parser.value(boxOption));
     options.headless = parser.isSet(headlessOption);
-    if (parser.isSet(screenshotOption))
+    readShared(parser, shareOption, &options.shared);
+    readShared(parser, shareWritableOption, &options.shared);
+    options.screenshotDescriptor = parser.value(screenshotDescriptorOption).toInt();
+    // The process inside does not see the file.
+    if (options.screenshotDescriptor >= 0)
+        options.screenshot = parser.value(screenshotOption);
+    else if (parser.isSet(screenshotOption))
         options.screenshot = readScreenshot(parser.value(screenshotOption));
     if (parser.isSet(exitOption))
         options.exitAfter = readSeconds(parser.value(exitOption));
@@ -149,7 +170,7 @@ QStringList Options::forInside() const
 {
     QStringList arguments = {insideArgument, "--keys", keys, "--model", model, "--portal", portal};
     if (!screenshot.isEmpty())
-        arguments << "--screenshot" << screenshot;
+        arguments << "--screenshot" << screenshot << "--screenshot-descriptor" << QString::number(screenshotDescriptor);
     if (exitAfter)
         arguments << "--exit-after" << QString::number(*exitAfter, 'f', 3);
     if (!size.isEmpty())

@@ -14,7 +14,9 @@ struct Options
 {
     QString box; ///< absolute path of the box directory
     bool headless = false;
+    QStringList shared;              ///< outside, in-box's options for folders of the PC that the box has too
     QString screenshot;              ///< absolute path of the picture's file; empty without
+    int screenshotDescriptor = -1;   ///< inside, of that file
     std::optional<double> exitAfter; ///< seconds after the plugin's start
     QString keys;
     QString model;

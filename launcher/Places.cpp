@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -32,9 +33,9 @@ QString Places::portal()
     return installed("share/kavro/portal");
 }
 
-QString Places::seenInside(const QString &absolutePath)
+QString Places::programInside()
 {
-    return "/pc" + absolutePath;
+    return "/box/app/bin/" + QFileInfo(QCoreApplication::applicationFilePath()).fileName();
 }
 
 bool Places::isInside()

@@ -13,8 +13,8 @@ QString plugin();
 /// The demonstration portal's folder.
 QString portal();
 
-/// Where a PC's file is found inside a box.
-QString seenInside(const QString &absolutePath);
+/// This program, as a box has it.
+QString programInside();
 /// Whether this program runs inside a box.
 bool isInside();
 

@@ -3,12 +3,12 @@
 
 #include "Supervisor.h"
 
+#include "Descriptors.h"
 #include "ExitStatus.h"
 #include "Places.h"
 #include "Report.h"
 #include "UnixSignals.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -41,10 +41,12 @@ void Supervisor::Process::setupChildProcess()
 {
     // Signals of the terminal reach this process alone, which passes them on. The programs between it and the one
     // inside live until that one has ended, which sets handlers of its own.
-    setpgid(0, 0);
+    // Programs inside have no business with the terminal.
+    setsid();
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signalNumber, SIG_IGN);
     enlargeStack();
+    Descriptors::setInherited(descriptors, true);
 }
 
 Supervisor::Supervisor()
@@ -53,15 +55,23 @@ Supervisor::Supervisor()
     m_process.setStandardInputFile(QProcess::nullDevice());
 }
 
-int Supervisor::run(const QString &boxDirectory, const QStringList &argumentsInside)
+void Supervisor::pass(int descriptor)
+{
+    m_process.descriptors << descriptor;
+}
+
+int Supervisor::run(const QString &boxDirectory, const QStringList &shared, const QStringList &argumentsInside)
 {
     UnixSignals signalsHere({SIGINT, SIGTERM, SIGHUP});
     connect(&signalsHere, &UnixSignals::received, this, &Supervisor::end);
 
     QEventLoop untilFinished;
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &untilFinished, &QEventLoop::quit);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(Descriptors::variable, QString::fromLatin1(Descriptors::list(m_process.descriptors)));
+    m_process.setProcessEnvironment(environment);
     m_process.start(Places::inBox(),
-                    QStringList{boxDirectory, "--", QCoreApplication::applicationFilePath()} + argumentsInside);
+                    shared + QStringList{boxDirectory, "--", Places::programInside()} + argumentsInside);
     if (!m_process.waitForStarted()) {
         report(QString("%1 cannot be started (%2); install the desk box again")
                    .arg(Places::inBox(), m_process.errorString()));

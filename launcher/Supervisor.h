@@ -15,12 +15,17 @@ class Supervisor : public QObject
 public:
     Supervisor();
 
+    /// Lets the process inside have a descriptor under its number.
+    void pass(int descriptor);
     /// Returns when the box is off: an ExitStatus, or the status of what went wrong.
-    int run(const QString &boxDirectory, const QStringList &argumentsInside);
+    int run(const QString &boxDirectory, const QStringList &shared, const QStringList &argumentsInside);
 
 private:
     class Process : public QProcess
     {
+    public:
+        QVector<int> descriptors;
+
     protected:
         void setupChildProcess() override;
     };

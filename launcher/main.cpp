@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BoxDirectory.h"
+#include "Descriptors.h"
 #include "Desk.h"
 #include "Display.h"
 #include "ExitStatus.h"
+#include "Manifest.h"
 #include "Page.h"
 #include "Places.h"
 #include "Report.h"
+#include "ScreenshotFile.h"
 #include "Supervisor.h"
 #include "TraceLevel.h"
 
@@ -76,12 +79,26 @@ int runOutside(int argc, char **argv)
 
     options.page = page.address();
     options.portal = page.portalAddress();
-    if (!options.screenshot.isEmpty())
-        options.screenshot = Places::seenInside(options.screenshot);
+    Supervisor supervisor;
+    ScreenshotFile screenshot;
+    if (!options.screenshot.isEmpty()) {
+        if (!screenshot.open(options.screenshot, &error)) {
+            report(error);
+            return ExitStatus::Failed;
+        }
+        options.screenshotDescriptor = screenshot.descriptor();
+        supervisor.pass(screenshot.descriptor());
+    }
+    const int filled = box.fill();
+    if (filled != ExitStatus::Done)
+        return filled;
+    error = Manifest::setHomePage(box.path() + Places::manifest, options.page, options.portal);
+    if (!error.isEmpty())
+        report(error + "; the plugin is started with it as it is");
+    const TraceLevel traceLevel(box.path());
     report(QString("%1, box %2")
                .arg(options.page.isEmpty() ? "portal " + options.portal : "page " + options.page, box.path()));
-    const TraceLevel traceLevel(box.path());
-    return Supervisor().run(box.path(), options.forInside());
+    return supervisor.run(box.path(), options.shared, options.forInside());
 }
 
 // For a plugin that ends the process: the picture is taken all the same, and the status is the plugin's, which it would
@@ -105,6 +122,7 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
         report(QString("%1 is for the process inside a box").arg(insideArgument));
         return ExitStatus::WrongUsage;
     }
+    Descriptors::setInherited(Descriptors::given(), false);
     qputenv("KAVRO_BOX_PID", QByteArray::number(getpid())); // for the box's reboot command
 
     Desk desk(Options::fromCommandLine());
@@ -126,6 +144,7 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
     for (QByteArray &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
+    Descriptors::setInherited(Descriptors::given(), true);
     execv("/proc/self/exe", pointers.data());
     report(QString("the desk box cannot be started again (%1)").arg(qt_error_string()));
     std::exit(ExitStatus::Failed);

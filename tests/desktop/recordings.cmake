@@ -10,3 +10,8 @@ foreach(name deskrecordings deskrecordingsfailures deskrecordingsrestart deskrec
         LIBRARIES kavro_desktop_test_support kavro_launcher kavro_recorded_file
         PLATFORM stbapi_desktop)
 endforeach()
+# Enters its box itself, below which it puts a small disk.
+kavro_add_test(deskrecordingsfulldisk tst_deskrecordingsfulldisk.cpp
+    LIBRARIES kavro_desktop_test_support kavro_launcher
+    PLATFORM stbapi_desktop
+    BARE)

@@ -15,7 +15,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QTest>
 
 #include <algorithm>
@@ -32,8 +31,6 @@ constexpr char web[] = "/mnt/stb/web";
 constexpr char bars[] = "/mnt/stb/web/bars.ts";
 constexpr int barsSeconds = 5;
 constexpr int patience = 20000; // milliseconds, for a recording of some seconds
-constexpr char recordOnFullDisk[] = "record-on-full-disk";
-constexpr int diskSize = 300000;
 
 uint32_t now()
 {
@@ -43,12 +40,6 @@ uint32_t now()
 QString inStorage(const QByteArray &name)
 {
     return "/mnt/stb/" + QString::fromUtf8(name);
-}
-
-bool hasEnded(KVR_ID id)
-{
-    const int state = KVR_GetRecordStatus(id);
-    return state != KVR_RECORD_SCHEDULED && state != KVR_RECORD_RUNNING;
 }
 
 // "identifier file duration state", one a line.
@@ -79,15 +70,6 @@ struct Channel
     LiveSource source;
 };
 
-// What the child process of the test of a full disk does.
-int recordUntilTheDiskIsFull(const char *url)
-{
-    const KVR_ID id = KVR_AddRecord(url, "full.ts", 0, 60);
-    while (!hasEnded(id))
-        QTest::qSleep(10);
-    return KVR_GetRecordStatus(id);
-}
-
 } // namespace
 
 /// Recordings of the desk box, while it is on.
@@ -101,7 +83,6 @@ private slots:
     void aRecordingRunsAtItsTime();
     void aRecordingWhoseTimeHasBegunStartsAtOnce();
     void recordingsRunSideBySide();
-    void aFullDiskEndsTheRecording();
     void aScheduledRecordingCanBeChanged();
     void aRunningRecordingCanChangeItsDurationOnly();
     void wrongArgumentsAreRefused();
@@ -198,22 +179,6 @@ void TestDeskRecordings::recordingsRunSideBySide()
         QVERIFY2(file.seconds > 1.2 && file.longestStep < 0.1, name);
         QCOMPARE(file.pids.size(), 3);
     }
-}
-
-void TestDeskRecordings::aFullDiskEndsTheRecording()
-{
-    PageServer server;
-    QVERIFY(server.start(web, 0));
-    QProcess child;
-    child.start("bwrap",
-                {"--bind", "/", "/", "--dev-bind", "/dev", "/dev", "--tmpfs", "/home/user/config", "--size",
-                 QString::number(diskSize), "--tmpfs", "/mnt/stb", "--", QCoreApplication::applicationFilePath(),
-                 recordOnFullDisk, server.address("bars.ts").toEncoded()});
-    QVERIFY(child.waitForFinished());
-    const QByteArray log = child.readAllStandardError();
-    QVERIFY2(child.exitStatus() == QProcess::NormalExit, log);
-    QCOMPARE(child.exitCode(), int(KVR_RECORD_FAILED));
-    QVERIFY2(log.contains("into full.ts failed: writing: No space left on device"), log);
 }
 
 void TestDeskRecordings::aScheduledRecordingCanBeChanged()
@@ -417,13 +382,6 @@ void TestDeskRecordings::noCallWaitsForARecording()
     QVERIFY2(worst <= 20, qPrintable(QString("99th percentile %1 ms").arg(worst)));
 }
 
-int main(int argc, char *argv[])
-{
-    if (argc == 3 && QByteArray(argv[1]) == recordOnFullDisk)
-        return recordUntilTheDiskIsFull(argv[2]);
-    QCoreApplication application(argc, argv);
-    TestDeskRecordings test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(TestDeskRecordings)
 
 #include "tst_deskrecordings.moc"

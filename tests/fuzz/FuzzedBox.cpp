@@ -3,6 +3,7 @@
 
 #include "FuzzedBox.h"
 
+#include "BoxFile.h"
 #include "RecordingPlatform.h"
 
 #include <QDir>
@@ -24,7 +25,7 @@ const char *const storage = "/mnt/stb/";
 
 void write(const QString &name, const QByteArray &content, QFile::Permissions permissions)
 {
-    QFile file(name);
+    QFile file(fromOutside(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.setPermissions(permissions))
         qFatal("Cannot write %s: %s", qPrintable(name), qPrintable(file.errorString()));
 }
@@ -38,7 +39,7 @@ void addFiles()
           runnable);
     write(QString(scripts) + "plain", "not for running", readable);
     write(QString(scripts) + "broken", "#!/nowhere/at/all\n", runnable);
-    QDir().mkpath(QString(scripts) + "folder");
+    QDir().mkpath(fromOutside(QString(scripts) + "folder"));
     QDir().mkpath(QString(storage) + "folder/folder");
     write(QString(storage) + "a.ts", "no film", readable);
     write(QString(storage) + "\xf0\x9f\x98\x80 \"'\\ %1\n", "", readable);

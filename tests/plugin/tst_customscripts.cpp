@@ -25,13 +25,22 @@ const QLatin1String sdkDirectory("/sdk/custom_scripts/");
 void writeScript(const QString &name, const QByteArray &text, const QString &directory = customDirectory)
 {
     writeBoxFile(directory + name, text);
-    chmod(QFile::encodeName(directory + name), 0755);
+    chmod(QFile::encodeName(fromOutside(directory + name)), 0755);
 }
 
+// The folder itself stays, of which the box would see no other.
 void emptyDirectory(const QString &path)
 {
-    QDir(path).removeRecursively(); // a place of the box itself stays
-    QDir().mkpath(path);
+    const QDir directory(fromOutside(path));
+    directory.mkpath(".");
+    const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    const QFileInfoList entries = directory.entryInfoList(all);
+    for (const QFileInfo &entry : entries) {
+        if (entry.isDir() && !entry.isSymLink())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            QFile::remove(entry.filePath());
+    }
 }
 
 QString asJson(const QJsonObject &object)
@@ -196,7 +205,7 @@ void TestCustomScripts::namesAreThoseOfEntries()
     writeScript("x", script);
     writeScript("dir/x", script);
     writeScript(".hidden", script);
-    QVERIFY(QFile::link("nothing", customDirectory + "dangling"));
+    QVERIFY(QFile::link("nothing", fromOutside(customDirectory + "dangling")));
     QCOMPARE(exec(name), failure(name + ": No such file in /usr/local/bin/custom/", 40));
 }
 
@@ -225,11 +234,11 @@ void TestCustomScripts::entriesThatAreNoScripts()
     writeScript("script\u043f", script);
     writeScript("elsewhere", "#!/bin/sh\necho run elsewhere\n", "/tmp/");
     writeBoxFile(customDirectory + "data", script);
-    QVERIFY(QDir().mkpath(customDirectory + "dir"));
-    QVERIFY(QFile::link("data", customDirectory + "to data"));
-    QVERIFY(QFile::link("dir", customDirectory + "to dir"));
-    QVERIFY(QFile::link("script", customDirectory + "to_script"));
-    QVERIFY(QFile::link("/tmp/elsewhere", customDirectory + "to_script_elsewhere"));
+    QVERIFY(QDir().mkpath(fromOutside(customDirectory + "dir")));
+    QVERIFY(QFile::link("data", fromOutside(customDirectory + "to data")));
+    QVERIFY(QFile::link("dir", fromOutside(customDirectory + "to dir")));
+    QVERIFY(QFile::link("script", fromOutside(customDirectory + "to_script")));
+    QVERIFY(QFile::link("/tmp/elsewhere", fromOutside(customDirectory + "to_script_elsewhere")));
     QTEST(exec(name), "json");
 }
 
@@ -253,8 +262,8 @@ void TestCustomScripts::theModelChoosesTheDirectory()
     writeScript("x", "#!/bin/sh\necho custom\n");
     writeScript("x", "#!/bin/sh\necho sdk\n", sdkDirectory);
     QCOMPARE(exec("x"), success(0, {output}));
-    QFile::remove(sdkDirectory + "x");
-    QFile::remove(customDirectory + "x");
+    QFile::remove(fromOutside(sdkDirectory + "x"));
+    QFile::remove(fromOutside(customDirectory + "x"));
     const QString directory = output == "sdk" ? sdkDirectory : customDirectory;
     QCOMPARE(exec("x"), failure("x: No such file in " + directory, 40));
 }
@@ -262,11 +271,11 @@ void TestCustomScripts::theModelChoosesTheDirectory()
 void TestCustomScripts::aMissingDirectoryIsTold()
 {
     RecordingPlatform::answer("KVR_GetDeviceModel", Answer::text("MZ-412"));
-    QVERIFY(QDir(sdkDirectory).removeRecursively());
+    QVERIFY(QDir(fromOutside(sdkDirectory)).removeRecursively());
     QCOMPARE(exec("x"), failure("/sdk/custom_scripts/: No such directory", "41"));
     writeBoxFile("/sdk/custom_scripts", "a file");
     QCOMPARE(exec("x"), failure("/sdk/custom_scripts/: No such directory", "41"));
-    QVERIFY(QFile::remove("/sdk/custom_scripts"));
+    QVERIFY(QFile::remove(fromOutside("/sdk/custom_scripts")));
 }
 
 void TestCustomScripts::aScriptThatCannotBeStartedSaysNothing_data()

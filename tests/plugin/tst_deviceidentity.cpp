@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include <arpa/inet.h>
 #include <linux/sockios.h>
@@ -18,6 +19,7 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using RecordingPlatform::Answer;
@@ -25,25 +27,30 @@ using RecordingPlatform::Answer;
 namespace {
 
 const char *const wired = "eth0";
+const char *const orders = "KAVRO_ORDERS"; // names the descriptor
+
+// What the process in the box, which may not change its network itself, has the one outside do.
+struct Order
+{
+    unsigned long control;
+    ifreq request; // begins with the name, which is all that some take
+};
 
 // Network interfaces of this program's own network.
 class Interfaces
 {
 public:
-    ~Interfaces() { close(m_socket); }
-
-    bool add(const char *name) { return ioctl(m_socket, SIOCBRADDBR, name) == 0; }
+    bool add(const char *name) { return control(SIOCBRADDBR, requestFor(name)); }
     bool remove(const char *name)
     {
-        ifreq request = requestFor(name);
-        return ioctl(m_socket, SIOCSIFFLAGS, &request) == 0 && ioctl(m_socket, SIOCBRDELBR, name) == 0;
+        return control(SIOCSIFFLAGS, requestFor(name)) && control(SIOCBRDELBR, requestFor(name));
     }
     bool setHardwareAddress(const char *name, const QByteArray &bytes)
     {
         ifreq request = requestFor(name);
         request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
         memcpy(request.ifr_hwaddr.sa_data, bytes.constData(), std::size_t(bytes.size()));
-        return ioctl(m_socket, SIOCSIFHWADDR, &request) == 0;
+        return control(SIOCSIFHWADDR, request);
     }
     // A further address has a name with a colon.
     bool setAddress(const char *name, const char *address)
@@ -53,7 +60,7 @@ public:
         internet.sin_family = AF_INET;
         inet_pton(AF_INET, address, &internet.sin_addr);
         memcpy(&request.ifr_addr, &internet, sizeof internet);
-        return ioctl(m_socket, SIOCSIFADDR, &request) == 0;
+        return control(SIOCSIFADDR, request);
     }
 
 private:
@@ -64,8 +71,71 @@ private:
         return request;
     }
 
-    const int m_socket = socket(AF_INET, SOCK_DGRAM, 0);
+    bool control(unsigned long control, const ifreq &request)
+    {
+        const Order order = {control, request};
+        bool isDone = false;
+        return send(m_orders, &order, sizeof order, 0) == sizeof order
+            && recv(m_orders, &isDone, sizeof isDone, 0) == sizeof isDone && isDone;
+    }
+
+    const int m_orders = qEnvironmentVariableIntValue(orders);
 };
+
+void fulfil(int descriptor)
+{
+    const int network = socket(AF_INET, SOCK_DGRAM, 0);
+    Order order;
+    while (recv(descriptor, &order, sizeof order, 0) == sizeof order) {
+        const bool isDone = ioctl(network, order.control, &order.request) == 0;
+        if (send(descriptor, &isDone, sizeof isDone, 0) != sizeof isDone)
+            break;
+    }
+    close(network);
+}
+
+bool write(const char *file, const QByteArray &text)
+{
+    QFile opened(file);
+    return opened.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && opened.write(text) == text.size();
+}
+
+// Before there is any thread. Who may not make a network alone may make one together with users.
+bool makeNetwork()
+{
+    if (unshare(CLONE_NEWNET) == 0)
+        return true;
+    const QByteArray user = QByteArray::number(geteuid());
+    const QByteArray group = QByteArray::number(getegid());
+    return unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0 && write("/proc/self/uid_map", user + ' ' + user + " 1")
+        && write("/proc/self/setgroups", "deny") && write("/proc/self/gid_map", group + ' ' + group + " 1");
+}
+
+// Runs this program in a box, in a network that it changes for it.
+int runInBox(int argc, char **argv)
+{
+    int ends[2];
+    if (!makeNetwork() || socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) != 0) {
+        perror("This test needs a network of its own, which the kernel does not give it");
+        return 1;
+    }
+    const QByteArray program = QFileInfo("/proc/self/exe").symLinkTarget().toLocal8Bit();
+    const QByteArray inBox = program.left(program.lastIndexOf('/')) + "/in-fresh-box";
+    std::vector<char *> arguments = {const_cast<char *>(inBox.constData()), const_cast<char *>(program.constData())};
+    arguments.insert(arguments.end(), argv + 1, argv + argc + 1); // with the null at the end
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        qputenv("KAVRO_DESCRIPTORS", QByteArray::number(ends[1]));
+        qputenv(orders, QByteArray::number(ends[1]));
+        execv(inBox.constData(), arguments.data());
+        _exit(127);
+    }
+    close(ends[1]);
+    fulfil(ends[0]);
+    int status = 0;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
 
 } // namespace
 
@@ -196,11 +266,8 @@ void TestDeviceIdentity::otherInterfacesDoNotCount()
 
 int main(int argc, char *argv[])
 {
-    // Before there is any thread. Who may not make a network alone may make one together with users.
-    if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
-        perror("This test needs a network of its own, which the kernel does not give it");
-        return 1;
-    }
+    if (!qEnvironmentVariableIsSet(orders))
+        return runInBox(argc, argv);
     QApplication app(argc, argv);
     TestDeviceIdentity test;
     return QTest::qExec(&test, argc, argv);

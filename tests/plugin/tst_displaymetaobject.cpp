@@ -197,7 +197,7 @@ void TestDisplayMetaObject::answersOfSeveralTextsAreVariantLists()
     writeBoxFile("/mnt/stb/dir/file", "");
     const QString script = "/usr/local/bin/custom/lines";
     writeBoxFile(script, "#!/bin/sh\necho a; echo b >&2\n");
-    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
+    QVERIFY(QFile::setPermissions(fromOutside(script), QFile::ReadOwner | QFile::ExeOwner));
 
     KavroJS::StbDisplay display;
     const QVariantMap outcome = display.ExecBlocking("lines", "").toMap();

@@ -430,7 +430,7 @@ void TestLifecycle::aMissingSplashImageIsAnEmptyLabel()
     HttpServer server;
     server.fallSilent();
     HostedPlugin::writeManifest(manifestWithSplash(server.url()));
-    QFile::remove(HostedPlugin::pluginDirectory() + splashFile);
+    QFile::remove(fromOutside(HostedPlugin::pluginDirectory() + splashFile));
     const MessageLog log;
     HostedPlugin plugin;
     QVERIFY(plugin.start());

@@ -120,7 +120,7 @@ private slots:
 
 void TestManifest::init()
 {
-    QFile::remove(pluginManifest);
+    QFile::remove(fromOutside(pluginManifest));
     QDir("/home/user/config/plugins").removeRecursively();
     setLanguage("eng");
 }

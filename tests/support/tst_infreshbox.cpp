@@ -53,7 +53,7 @@ void TestInFreshBox::everyBoxIsNewAndGoneAfterwards()
 {
     for (int round = 0; round < 2; ++round) {
         QProcess process;
-        start(&process, "test -d /pc && test ! -e /etc/mine && echo mine > /etc/mine && cat /etc/mine");
+        start(&process, "test -d /box && test ! -e /etc/mine && echo mine > /etc/mine && cat /etc/mine");
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.readAllStandardOutput(), QByteArray("mine\n"));
         QCOMPARE(boxes(), QStringList());

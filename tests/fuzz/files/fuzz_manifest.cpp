@@ -28,8 +28,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     static char name[] = "/box/fuzz";
     static char *argv[] = {name, nullptr};
     static const QCoreApplication application(argc, argv);
-    static const QString plugin = "/sdk/fuzzed";
-    static const QString user = "/home/user/config/plugins/sdk/fuzzed";
+    static const QString plugin = "/tmp/fuzzed";
+    static const QString user = "/home/user/config/plugins/tmp/fuzzed";
     static const bool made = QDir().mkpath(plugin) && QDir().mkpath(user);
     require(made, "the directories can be made; run this in a box");
 

@@ -17,7 +17,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     dropMessages();
     static const QString folder = "/home/user/config/config_files/";
-    static const bool made = QDir("/pc").exists() && QDir().mkpath(folder);
+    static const bool made = QDir("/box").exists() && QDir().mkpath(folder);
     require(made, "this runs in a box");
     writeFile(folder + "qtstbapi.conf", bytes(data, size));
 
