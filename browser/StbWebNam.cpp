@@ -4,6 +4,8 @@
 #include "browser/StbWebNam.h"
 
 #include "browser/CaBundle.h"
+#include "browser/FileGuard.h"
+#include "browser/RefusedReply.h"
 #include "common/other/qtcompat.h"
 
 #include <QDebug>
@@ -21,9 +23,20 @@ StbWebNam::StbWebNam(QObject *parent, CaBundle *bundle)
 QNetworkReply *StbWebNam::createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData)
 {
     qDebug() << "Create request";
+    if (op != GetOperation && op != HeadOperation && FileGuard::mayBeFile(request.url())) {
+        qWarning("Refused: a request that would change %s; pages read files only",
+                 request.url().toEncoded().constData());
+        return new RefusedReply(op, request, QLatin1String("Files are only read"), this);
+    }
     // Others do not use TLS, and would wait for it to be set up.
-    if (request.url().scheme() != QLatin1String("https"))
-        return QNetworkAccessManager::createRequest(op, request, outgoingData);
+    const bool usesTls = request.url().scheme() == QLatin1String("https");
+    QNetworkReply *reply = QNetworkAccessManager::createRequest(op, usesTls ? withTls(request) : request, outgoingData);
+    new FileGuard(reply);
+    return reply;
+}
+
+QNetworkRequest StbWebNam::withTls(const QNetworkRequest &request) const
+{
     if (bundle)
         bundle->require();
     QNetworkRequest changed(request);
@@ -31,5 +44,5 @@ QNetworkReply *StbWebNam::createRequest(Operation op, const QNetworkRequest &req
     QtCompat::setTls10(configuration);
     configuration.setCaCertificates(QSslSocket::defaultCaCertificates());
     changed.setSslConfiguration(configuration);
-    return QNetworkAccessManager::createRequest(op, changed, outgoingData);
+    return changed;
 }

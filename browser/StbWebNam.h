@@ -7,7 +7,8 @@
 
 class CaBundle;
 
-/// The page's network access: every request is held to the TLS that the operators' servers speak.
+/// The page's network access: every request is held to the TLS that the operators' servers speak,
+/// and none writes a file.
 class StbWebNam : public QNetworkAccessManager
 {
     Q_OBJECT
@@ -20,5 +21,7 @@ protected:
     QNetworkReply *createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData) override;
 
 private:
+    QNetworkRequest withTls(const QNetworkRequest &request) const;
+
     CaBundle *const bundle;
 };

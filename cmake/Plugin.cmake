@@ -13,12 +13,14 @@ add_library(kavrostbbrowser MODULE
     browser/CaBundle.cpp
     browser/DeleteGuard.cpp
     browser/EventNotifier.cpp
+    browser/FileGuard.cpp
     browser/JsApiTracer.cpp
     browser/KavroStbBrowser.cpp
     browser/PageEvents.cpp
     browser/PageGuards.cpp
     browser/PageScript.cpp
     browser/RecordTimes.cpp
+    browser/RefusedReply.cpp
     browser/ScriptGuard.cpp
     browser/ScriptRelay.cpp
     browser/StbWebNam.cpp
