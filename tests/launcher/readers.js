@@ -31,7 +31,7 @@ var readers = {
     style: function (url, path, got) {
         var box = element('p', 'className', path.replace(/\W/g, '_'), got);
         element('link', 'href', url + '.css', got).rel = 'stylesheet';
-        setTimeout(function () { got(getComputedStyle(box).position === 'absolute'); }, 2000);
+        waitFor(function () { return getComputedStyle(box).position === 'absolute'; }, got);
     },
     transform: function (url, path, got) {
         var processor = new XSLTProcessor();
@@ -97,11 +97,11 @@ function play(got, start) {
     });
 }
 
-// Waits two seconds at most.
+// Waits four seconds at most.
 function waitFor(condition, done) {
     var tries = 0, timer = setInterval(function () {
         var is = condition();
-        if (is || ++tries > 20) {
+        if (is || ++tries > 40) {
             clearInterval(timer);
             done(is);
         }
@@ -122,7 +122,7 @@ function readAll(files) {
             next();
         }
         running++;
-        setTimeout(function () { got(false); }, 5000);
+        setTimeout(function () { got(false); }, 10000);
         try { readers[job[0]]('file://' + job[1], job[1], got); } catch (error) { got(false); }
     }
     function next() {
