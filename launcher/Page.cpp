@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 const char portalPage[] = "index.html";
@@ -40,6 +42,19 @@ bool Page::setArgument(const QString &argument, QString *error)
         return false;
     }
     return true;
+}
+
+bool Page::isInBox(const QString &boxDirectory, const QStringList &shared) const
+{
+    const QString file = QUrl(m_address).toLocalFile();
+    if (file.isEmpty() || !QFileInfo::exists(file) || file.startsWith("/usr/")
+        || QFileInfo::exists(boxDirectory + file))
+        return true;
+    const QString path = QFileInfo(file).canonicalFilePath();
+    return std::any_of(shared.begin(), shared.end(), [&path](const QString &option) {
+        const QString folder = QFileInfo(option).canonicalFilePath();
+        return !folder.isEmpty() && path.startsWith(folder + '/');
+    });
 }
 
 bool Page::serve(const BoxDirectory &box)

@@ -5,7 +5,7 @@
 
 #include "PageServer.h"
 
-#include <QString>
+#include <QStringList>
 
 class BoxDirectory;
 
@@ -15,6 +15,8 @@ class Page
 public:
     /// Finds out what the argument is, which may be empty. False, and the reason in *error, if it is nothing to show.
     bool setArgument(const QString &argument, QString *error);
+    /// False if a box with this directory would not have a file that the argument is the address of, and the PC does.
+    bool isInBox(const QString &boxDirectory, const QStringList &shared) const;
     /// Serves what has to be served. False if that is impossible.
     bool serve(const BoxDirectory &box);
 

@@ -66,6 +66,13 @@ int runOutside(int argc, char **argv)
         report(error);
         return ExitStatus::Failed;
     }
+    if (!page.isInBox(options.box, options.shared)) {
+        report(
+            QString("%1 is a file of the PC, which a box does not have; give its path, to have its folder served, or "
+                    "share that by --share")
+                .arg(options.page));
+        return ExitStatus::WrongUsage;
+    }
     BoxDirectory box;
     const int opened = box.open(options.box, &error);
     if (opened != ExitStatus::Done) {

@@ -34,6 +34,8 @@ private slots:
     void wrongUsageIsRefusedInOneLine();
     void aBoxDirectoryThatCannotBeUsedIsRefused_data();
     void aBoxDirectoryThatCannotBeUsedIsRefused();
+    void aFileAddressOfThePcNeedsItsFolderShared();
+    void whatCannotBeSharedIsSaid();
     void aFullDiskIsSaid();
     void aMissingPartOfThePcIsSaid_data();
     void aMissingPartOfThePcIsSaid();
@@ -80,11 +82,12 @@ QString TestKavroBoxOptions::install()
 void TestKavroBoxOptions::helpListsTheOptions()
 {
     QCOMPARE(m_program->run({"--help"}), 0);
-    for (const char *option :
-         {"--box <DIR>", "--headless", "--screenshot <FILE>", "--exit-after <SECONDS>", "--keys <KEYS>",
-          "--model <TEXT>", "--trace", "--size <WxH>", "--engine <box|pc>", "--remote", "--inspector", "[URL]"})
+    for (const char *option : {"--box <DIR>", "--share <FOLDER>", "--share-rw <FOLDER>", "--headless",
+                               "--screenshot <FILE>", "--exit-after <SECONDS>", "--keys <KEYS>", "--model <TEXT>",
+                               "--trace", "--size <WxH>", "--engine <box|pc>", "--remote", "--inspector", "[URL]"})
         QVERIFY2(m_program->output().contains(option), option);
-    QVERIFY(!m_program->output().contains("--inside"));
+    for (const char *option : {"--inside", "--portal", "--screenshot-descriptor"})
+        QVERIFY2(!m_program->output().contains(option), option);
     QCOMPARE(m_program->errors(), QByteArray());
 }
 
@@ -106,6 +109,10 @@ void TestKavroBoxOptions::wrongUsageIsRefusedInOneLine_data()
     QTest::newRow("engine of neither") << QStringList{"--engine", "chromium"}
                                        << QByteArray("--engine \"chromium\" is neither box nor pc");
     QTest::newRow("unknown key") << QStringList{"--keys", "Up Dwon"} << QByteArray("--keys \"Dwon\"");
+    QTest::newRow("shared folder that is none")
+        << QStringList{"--share", "/nonexistent"} << QByteArray("--share \"/nonexistent\" is not a folder");
+    QTest::newRow("shared file") << QStringList{"--share-rw", "/etc/passwd"}
+                                 << QByteArray("--share-rw \"/etc/passwd\" is not a folder");
     QTest::newRow("screenshot nowhere") << QStringList{"--screenshot", "/nonexistent/a.png"}
                                         << QByteArray("the folder \"/nonexistent\"");
     QTest::newRow("screenshot over a folder") << QStringList{"--screenshot", "/tmp"} << QByteArray("\"/tmp\" is not");
@@ -145,6 +152,27 @@ void TestKavroBoxOptions::aBoxDirectoryThatCannotBeUsedIsRefused()
              5);
     verifyOneLine(m_program->errors(), message);
     QVERIFY(m_program->errors().contains("--box"));
+}
+
+// It is told before a box is tried that does not have the file.
+void TestKavroBoxOptions::aFileAddressOfThePcNeedsItsFolderShared()
+{
+    const QString page = m_folder->filePath("page.html");
+    QVERIFY(writeFile(page, "<body>"));
+    const QString address = "file://" + page;
+    for (const QStringList &others : {QStringList(), QStringList{"--share", "/usr/share"}}) {
+        QCOMPARE(m_program->run(m_usual + others + QStringList{address}), 2);
+        verifyOneLine(m_program->errors(), address.toUtf8() + " is a file of the PC, which a box does not have; ");
+    }
+    QCOMPARE(m_program->run(m_usual + QStringList{"--share", m_folder->path(), address}), 0);
+    QVERIFY2(!m_program->errors().contains("a file of the PC"), m_program->errors().constData());
+}
+
+void TestKavroBoxOptions::whatCannotBeSharedIsSaid()
+{
+    QCOMPARE(m_program->run(m_usual + QStringList{"--share", "/", "about:blank"}), 5);
+    QVERIFY2(m_program->errors().contains("in-box: --share / would hide the box's own /"),
+             m_program->errors().constData());
 }
 
 void TestKavroBoxOptions::aFullDiskIsSaid()
