@@ -5,6 +5,8 @@
 
 #include "BoxDirectory.h"
 #include "Places.h"
+#include "Report.h"
+#include "ServedFile.h"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -25,6 +27,11 @@ bool isAddress(const QString &argument)
     return url.isValid() && schemes.contains(scheme) && (!needsHost || !url.host().isEmpty());
 }
 
+bool isServed(const QFileInfo &file)
+{
+    return ServedFile(QFileInfo(file.absolutePath()).canonicalFilePath(), file.fileName()).isOpen();
+}
+
 } // namespace
 
 bool Page::setArgument(const QString &argument, QString *error)
@@ -33,8 +40,7 @@ bool Page::setArgument(const QString &argument, QString *error)
     if (argument.isEmpty()) {
         m_folder = Places::portal();
     } else if (file.isFile() && file.isReadable()) {
-        m_folder = file.absolutePath();
-        m_file = file.fileName();
+        return setFile(argument, error);
     } else if (isAddress(argument)) {
         m_address = argument;
     } else {
@@ -57,11 +63,29 @@ bool Page::isInBox(const QString &boxDirectory, const QStringList &shared) const
     });
 }
 
-bool Page::serve(const BoxDirectory &box)
+bool Page::setFile(const QString &argument, QString *error)
+{
+    QFileInfo file(argument);
+    if (!isServed(file)) { // a link out of its folder stands for the file that it leads to, with what lies beside that
+        file.setFile(file.canonicalFilePath());
+        if (!isServed(file)) {
+            *error = QString("%1 cannot be shown, because files whose names begin with a dot are not served; give it "
+                             "another name")
+                         .arg(file.filePath());
+            return false;
+        }
+        report(QString("\"%1\" is a link to %2, whose folder is served").arg(argument, file.filePath()));
+    }
+    m_folder = file.absolutePath();
+    m_file = file.fileName();
+    return true;
+}
+
+bool Page::serve(const BoxDirectory &box, QString *error)
 {
     if (m_folder.isEmpty())
         return true;
-    if (!m_server.start(m_folder, box.port()))
+    if (!m_server.start(m_folder, box.port(), error))
         return false;
     if (m_file.isEmpty())
         m_portalAddress = m_server.address(portalPage).toString(QUrl::FullyEncoded);

@@ -17,14 +17,16 @@ public:
     bool setArgument(const QString &argument, QString *error);
     /// False if a box with this directory would not have a file that the argument is the address of, and the PC does.
     bool isInBox(const QString &boxDirectory, const QStringList &shared) const;
-    /// Serves what has to be served. False if that is impossible.
-    bool serve(const BoxDirectory &box);
+    /// Serves what has to be served. False, and the reason in *error, if that is impossible.
+    bool serve(const BoxDirectory &box, QString *error);
 
     /// The address of the page, empty for the demonstration portal.
     QString address() const { return m_address; }
     QString portalAddress() const { return m_portalAddress; }
 
 private:
+    bool setFile(const QString &argument, QString *error);
+
     QString m_folder; // that is served; empty if nothing is
     QString m_file;   // in it, empty for the portal's first page
     QString m_address;

@@ -36,26 +36,35 @@ const char *contentTypeOf(const QString &fileName)
     return types.value(QFileInfo(fileName).suffix().toLower(), "application/octet-stream");
 }
 
+// Neither outside the root nor hidden below it.
+bool isShown(const QString &root, const QString &path)
+{
+    const QString inside = root.endsWith('/') ? root : root + '/';
+    return path.startsWith(inside) && path.indexOf("/.", inside.size() - 1) < 0;
+}
+
 } // namespace
 
 ServedFile::ServedFile(const QString &root, const QString &path)
 {
-    QFileInfo file(root + '/' + path);
-    if (file.isDir())
-        file.setFile(file.filePath() + "/index.html");
-    // What is asked for does not lead out of the folder; a link in it may, for that is its author's wish.
-    const QString name = QDir::cleanPath(file.filePath());
-    const QString inside = root.endsWith('/') ? root : root + '/';
-    if (!name.startsWith(inside))
+    QString name = QDir::cleanPath(root + '/' + path);
+    if (QFileInfo(name).isDir())
+        name += "/index.html";
+    if (!isShown(root, name))
         return;
-    const int descriptor = open(QFile::encodeName(name).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    // First the file is found, which is harmless, whatever it is. Where it really is, the kernel tells, and then it is
+    // that very file that is opened: a link that changes meanwhile leads to no other one.
+    const int found = open(QFile::encodeName(name).constData(), O_PATH | O_CLOEXEC);
+    if (found < 0)
+        return;
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(found);
     struct stat status;
-    if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))) {
-        close(descriptor);
+    if (fstat(found, &status) == 0 && S_ISREG(status.st_mode) && isShown(root, QFile::symLinkTarget(link)))
+        m_descriptor = open(link.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    close(found);
+    if (m_descriptor < 0)
         return;
-    }
-    m_descriptor = descriptor;
-    m_size = descriptor >= 0 ? status.st_size : 0;
+    m_size = status.st_size;
     m_contentType = contentTypeOf(name);
 }
 

@@ -5,8 +5,8 @@
 
 #include <QString>
 
-/// A file as a web server delivers it: opened for reading, and never one outside the server's folder, unless by a link
-/// in it.
+/// A file as a web server delivers it: opened for reading, a regular one in the server's folder, even if links lead to
+/// it, and none that is hidden or in a hidden folder by a dot before its name.
 class ServedFile
 {
 public:

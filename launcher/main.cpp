@@ -79,8 +79,8 @@ int runOutside(int argc, char **argv)
         report(error);
         return opened;
     }
-    if (!page.serve(box)) {
-        report("no port of 127.0.0.1 is free for the pages; close some programs that listen on one");
+    if (!page.serve(box, &error)) {
+        report(error);
         return ExitStatus::Failed;
     }
 

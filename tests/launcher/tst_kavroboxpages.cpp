@@ -3,6 +3,7 @@
 
 #include "DeskBoxTest.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -27,6 +28,9 @@ private slots:
 
     void aFileIsServedAsAPage();
     void theAddressOfAServedFileStaysTheSame();
+    void aLinkStandsForTheFileThatItLeadsTo_data();
+    void aLinkStandsForTheFileThatItLeadsTo();
+    void aFileThatIsNotServedIsRefused();
     void aPageGivenOnceIsNotTheNextHomePage();
     void theAuthorsOwnHomePageIsOpened();
     void aMalformedManifestIsSaidAndTheBoxStarts();
@@ -88,6 +92,53 @@ void TestKavroBoxPages::theAddressOfAServedFileStaysTheSame()
     const QStringList addresses = told();
     QCOMPARE(addresses.size(), 2);
     QCOMPARE(addresses.first(), addresses.last());
+}
+
+void TestKavroBoxPages::aLinkStandsForTheFileThatItLeadsTo_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("path"); // of the page's address
+    QTest::newRow("elsewhere") << "desk/portal.html"
+                               << "portal/page.html"
+                               << "/page.html";
+    QTest::newRow("beside it") << "portal/portal.html"
+                               << "portal/page.html"
+                               << "/portal.html";
+    QTest::newRow("hidden below it") << "portal.html"
+                                     << ".portal/page.html"
+                                     << "/page.html";
+}
+
+void TestKavroBoxPages::aLinkStandsForTheFileThatItLeadsTo()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, target);
+    QFETCH(QString, path);
+    link = m_folder->filePath(link);
+    target = m_folder->filePath(target);
+    QVERIFY(writeFile(target, "<script src='my.js'></script>"));
+    QVERIFY(writeFile(QFileInfo(target).path() + "/my.js", tellAddress()));
+    QVERIFY(QDir().mkpath(QFileInfo(link).path()));
+    QVERIFY(QFile::link(target, link));
+    QCOMPARE(run({link}), 0);
+    const QStringList addresses = told();
+    QCOMPARE(addresses.size(), 1);
+    QCOMPARE(QUrl(addresses.first()).path(), path);
+    const QString line = QString("kavro-box: \"%1\" is a link to %2, whose folder is served\n").arg(link, target);
+    QCOMPARE(m_program->errors().contains(line.toUtf8()), path == "/page.html");
+}
+
+void TestKavroBoxPages::aFileThatIsNotServedIsRefused()
+{
+    const QString file = m_folder->filePath(".page.html");
+    QVERIFY(writeFile(file, "page"));
+    QCOMPARE(run({file}), 2);
+    QCOMPARE(m_program->errors(),
+             "kavro-box: " + file.toUtf8()
+                 + " cannot be shown, because files whose names begin with a dot are not served; give it another "
+                   "name\n");
+    QVERIFY(!QFile::exists(m_box));
 }
 
 void TestKavroBoxPages::aPageGivenOnceIsNotTheNextHomePage()

@@ -1,41 +1,28 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "launcher/PageServer.h"
+#include "PageServerTest.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSet>
 #include <QTcpServer>
-#include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QTest>
 
-namespace {
+#include <atomic>
+#include <cstdio>
+#include <thread>
 
-struct Answer
-{
-    int status = 0;
-    QByteArray head;
-    QByteArray body;
+#include <unistd.h>
 
-    QByteArray header(const QByteArray &name) const
-    {
-        const QByteArray start = "\r\n" + name.toLower() + ": ";
-        const int at = head.toLower().indexOf(start);
-        return at < 0 ? QByteArray() : head.mid(at + start.size()).split('\r').first();
-    }
-};
-
-} // namespace
-
-/// The web server for pages on the command line and for the demonstration portal.
-class TestPageServer : public QObject
+/// What the web server for pages on the command line and for the demonstration portal delivers.
+class TestPageServer : public PageServerTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { setUp(); }
 
     void aFileComesAsWhatItIs_data();
     void aFileComesAsWhatItIs();
@@ -43,52 +30,22 @@ private slots:
     void aPartOfAFileIsServed();
     void nothingOutsideTheFolderIsServed_data();
     void nothingOutsideTheFolderIsServed();
-    void aLinkInTheFolderIsFollowed();
+    void nothingHiddenIsServed_data();
+    void nothingHiddenIsServed();
+    void aLinkIsFollowedInTheFolderAlone_data();
+    void aLinkIsFollowedInTheFolderAlone();
+    void aLinkThatChangesDoesNotLeadOut();
+    void aFolderReachedByALinkIsServed();
+    void oddRequestsAreAnswered_data();
+    void oddRequestsAreAnswered();
+    void requestsAreAnsweredOneAfterTheOther();
     void aFolderStandsForItsIndex();
     void anEditedFileIsServedAtOnceAndNeverCached();
     void onlyReadingIsAllowed();
     void theWishedPortIsTakenOrAnother();
+    void thePortCannotBeGuessed();
     void oddNamesAreFound();
-
-private:
-    Answer ask(const QByteArray &path, const QByteArray &method = "GET", const QByteArray &headers = {}) const;
-    void write(const QString &name, const QByteArray &content) const;
-
-    QScopedPointer<QTemporaryDir> m_folder;
-    QScopedPointer<PageServer> m_server;
 };
-
-void TestPageServer::init()
-{
-    m_folder.reset(new QTemporaryDir);
-    QVERIFY(m_folder->isValid());
-    write("root/index.html", "index");
-    write("root/ten.mp4", "0123456789");
-    write("root-secret", "secret");
-    write("secret", "secret");
-    m_server.reset(new PageServer);
-    QVERIFY(m_server->start(m_folder->filePath("root"), 0));
-}
-
-void TestPageServer::write(const QString &name, const QByteArray &content) const
-{
-    QDir(m_folder->path()).mkpath(QFileInfo(name).path());
-    QFile file(m_folder->filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-Answer TestPageServer::ask(const QByteArray &path, const QByteArray &method, const QByteArray &headers) const
-{
-    QTcpSocket socket;
-    socket.connectToHost("127.0.0.1", quint16(m_server->address({}).port()));
-    socket.write(method + ' ' + path + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n" + headers + "\r\n");
-    QByteArray received;
-    while (socket.waitForReadyRead(5000))
-        received += socket.readAll();
-    const int end = received.indexOf("\r\n\r\n");
-    return {received.mid(9, 3).toInt(), received.left(end + 2), received.mid(end + 4)};
-}
 
 void TestPageServer::aFileComesAsWhatItIs_data()
 {
@@ -176,20 +133,156 @@ void TestPageServer::nothingOutsideTheFolderIsServed()
     QCOMPARE(answer.body, QByteArray());
 }
 
-void TestPageServer::aLinkInTheFolderIsFollowed()
+void TestPageServer::nothingHiddenIsServed_data()
 {
-    write("elsewhere/clip.ts", "clip");
+    QTest::addColumn<QByteArray>("path");
+    for (const char *path :
+         {"/.env", "/%2eenv", "/%2Eenv", "/./.env", "/.git/config", "/.git%2fconfig", "/%2egit/config",
+          "/x/.git/config", "/x/../.env", "/.git/", "/.git", "/.git/../.env", "/..."})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+void TestPageServer::nothingHiddenIsServed()
+{
+    QFETCH(QByteArray, path);
+    for (const char *name : {"root/.env", "root/.git/config", "root/x/.git/config", "root/.git/index.html", "root/..."})
+        write(name, "hidden");
+    const Answer answer = ask(path);
+    QCOMPARE(answer.status, 404);
+    QCOMPARE(answer.body, QByteArray());
+}
+
+void TestPageServer::aLinkIsFollowedInTheFolderAlone_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("body"); // null if there is none
+    QTest::newRow("file inside") << "file.mp4"
+                                 << "media/clip.ts" << QByteArray("/file.mp4") << QByteArray("clip");
+    QTest::newRow("file inside, absolute") << "file.mp4"
+                                           << "ROOT/media/clip.ts" << QByteArray("/file.mp4") << QByteArray("clip");
+    QTest::newRow("file inside, from below") << "media/up.html"
+                                             << "../index.html" << QByteArray("/media/up.html") << QByteArray("index");
+    QTest::newRow("folder inside") << "films"
+                                   << "media" << QByteArray("/films/clip.ts") << QByteArray("clip");
+    QTest::newRow("folder inside, its index") << "media/site"
+                                              << ".." << QByteArray("/media/site/") << QByteArray("index");
+    QTest::newRow("out and in again") << "file.mp4"
+                                      << "../root/media/clip.ts" << QByteArray("/file.mp4") << QByteArray("clip");
+    QTest::newRow("file outside") << "file.mp4"
+                                  << "../secret" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("file outside, absolute") << "file.mp4"
+                                            << "/etc/passwd" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("a name that begins alike") << "file.mp4"
+                                              << "../root-secret" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("folder outside") << "films"
+                                    << ".." << QByteArray("/films/secret") << QByteArray();
+    QTest::newRow("folder outside, its index") << "films"
+                                               << "../elsewhere" << QByteArray("/films/") << QByteArray();
+    QTest::newRow("by a link to a link") << "file.mp4"
+                                         << "media/out" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("by the process") << "file.mp4"
+                                    << "/proc/self/environ" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("by the process's root") << "all"
+                                           << "/proc/self/root" << QByteArray("/all/etc/passwd") << QByteArray();
+    QTest::newRow("hidden file") << "file.mp4"
+                                 << ".env" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("nothing") << "file.mp4"
+                             << "nowhere" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("itself") << "file.mp4"
+                            << "file.mp4" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("device") << "file.mp4"
+                            << "/dev/zero" << QByteArray("/file.mp4") << QByteArray();
+    QTest::newRow("pipe") << "file.mp4"
+                          << "pipe" << QByteArray("/file.mp4") << QByteArray();
+}
+
+void TestPageServer::aLinkIsFollowedInTheFolderAlone()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, target);
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, body);
+    write("root/media/clip.ts", "clip");
+    write("root/.env", "hidden");
     write("elsewhere/index.html", "elsewhere");
-    QVERIFY(QFile::link(m_folder->filePath("elsewhere/clip.ts"), m_folder->filePath("root/file.mp4")));
-    QVERIFY(QFile::link("../elsewhere", m_folder->filePath("root/media")));
-    QVERIFY(QFile::link("nowhere", m_folder->filePath("root/dangling")));
-    QCOMPARE(ask("/file.mp4").body, QByteArray("clip"));
-    QCOMPARE(ask("/file.mp4").header("Content-Type"), QByteArray("video/mp4"));
-    QCOMPARE(ask("/media/clip.ts").body, QByteArray("clip"));
-    QCOMPARE(ask("/media/").body, QByteArray("elsewhere"));
-    QCOMPARE(ask("/media/../index.html").body, QByteArray("index"));
-    QCOMPARE(ask("/media/../secret").status, 404);
-    QCOMPARE(ask("/dangling").status, 404);
+    QVERIFY(QFile::link("../../secret", m_folder->filePath("root/media/out")));
+    QVERIFY(QProcess::execute("mkfifo", {m_folder->filePath("root/pipe")}) == 0);
+    QVERIFY(QFile::link(target.replace("ROOT", m_folder->filePath("root")), m_folder->filePath("root/" + link)));
+    const Answer answer = ask(path);
+    QCOMPARE(answer.status, body.isNull() ? 404 : 200);
+    QCOMPARE(answer.body, body);
+}
+
+void TestPageServer::aLinkThatChangesDoesNotLeadOut()
+{
+    const QByteArray link = QFile::encodeName(m_folder->filePath("root/link"));
+    const QByteArray next = QFile::encodeName(m_folder->filePath("root/next"));
+    std::atomic_bool isDone{false};
+    std::thread changing([&] {
+        for (int i = 0; !isDone; ++i) {
+            if (symlink(i % 2 ? "index.html" : "../secret", next.constData()) == 0)
+                rename(next.constData(), link.constData());
+        }
+    });
+    QByteArrayList bodies;
+    for (int i = 0; i < 2000 && !bodies.contains("secret"); ++i)
+        bodies << ask("/link").body;
+    isDone = true;
+    changing.join();
+    QVERIFY(bodies.contains("index"));
+    QVERIFY(bodies.contains(""));
+    QVERIFY(!bodies.contains("secret"));
+}
+
+void TestPageServer::aFolderReachedByALinkIsServed()
+{
+    write("other/.hidden/page/index.html", "linked");
+    QVERIFY(QFile::link("other/.hidden/page", m_folder->filePath("link")));
+    QString error;
+    m_server.reset(new PageServer);
+    QVERIFY2(m_server->start(m_folder->filePath("link"), 0, &error), qPrintable(error));
+    QCOMPARE(ask("/index.html").body, QByteArray("linked"));
+}
+
+void TestPageServer::oddRequestsAreAnswered_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<int>("status");
+    const QByteArray host = " HTTP/1.1\r\nHost: HOST\r\nConnection: close\r\n";
+    QTest::newRow("long address") << QByteArray("GET /" + QByteArray(8000, 'x') + host + "\r\n") << 404;
+    QTest::newRow("address that is too long") << QByteArray("GET /" + QByteArray(100000, 'x') + host + "\r\n") << 414;
+    QTest::newRow("long header") << QByteArray("GET /index.html" + host + "X: " + QByteArray(8000, 'x') + "\r\n\r\n")
+                                 << 200;
+    QTest::newRow("header that is too long")
+        << QByteArray("GET /index.html" + host + "X: " + QByteArray(100000, 'x') + "\r\n\r\n") << 431;
+    QTest::newRow("query") << QByteArray("GET /index.html?" + QByteArray(3000, '%') + host + "\r\n") << 200;
+    QTest::newRow("body of a GET") << QByteArray("GET /index.html" + host + "Content-Length: 3\r\n\r\nabc") << 200;
+    QTest::newRow("body of a POST") << QByteArray("POST /index.html" + host + "Content-Length: 3\r\n\r\nabc") << 405;
+    QTest::newRow("all of the server") << QByteArray("OPTIONS *" + host + "\r\n") << 421;
+    QTest::newRow("tunnel") << QByteArray("CONNECT HOST" + host + "\r\n") << 421;
+}
+
+void TestPageServer::oddRequestsAreAnswered()
+{
+    QFETCH(QByteArray, request);
+    QTEST(send(request.replace("HOST", host())).status, "status");
+    QCOMPARE(ask("/index.html").status, 200);
+}
+
+void TestPageServer::requestsAreAnsweredOneAfterTheOther()
+{
+    const QByteArray start = "GET /index.html HTTP/1.1\r\nHost: " + host() + "\r\n";
+    const QByteArray part = start + "Range: bytes=1-2\r\n\r\n";
+    const Answer answer = send(start + "\r\n" + part + QByteArray(start).replace("GET", "HEAD") + "\r\n" + start
+                               + "Connection: close\r\n\r\n");
+    QCOMPARE(answer.status, 200);
+    QCOMPARE(answer.body.count("HTTP/1.1 200 OK"), 2);
+    QVERIFY2(answer.body.startsWith("indexHTTP/1.1 206 "), answer.body.constData());
+    QVERIFY2(answer.body.contains("\r\n\r\nndHTTP/1.1 200 "), answer.body.constData());
+    QVERIFY2(answer.body.contains("\r\n\r\nHTTP/1.1 200 "), answer.body.constData());
+    QVERIFY2(answer.body.endsWith("\r\n\r\nindex"), answer.body.constData());
 }
 
 void TestPageServer::aFolderStandsForItsIndex()
@@ -222,13 +315,29 @@ void TestPageServer::theWishedPortIsTakenOrAnother()
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress::LocalHost));
     const quint16 port = owner.serverPort();
+    QString error;
     PageServer second;
-    QVERIFY(second.start(m_folder->filePath("root"), port));
-    QVERIFY(second.address("index.html").port() != port);
+    QVERIFY(second.start(m_folder->filePath("root"), port, &error));
+    QVERIFY(second.port() != port);
+    QCOMPARE(second.address("index.html"), QUrl(QString("http://127.0.0.1:%1/index.html").arg(second.port())));
     owner.close();
     PageServer third;
-    QVERIFY(third.start(m_folder->filePath("root"), port));
+    QVERIFY(third.start(m_folder->filePath("root"), port, &error));
     QCOMPARE(third.address("index.html"), QUrl(QString("http://127.0.0.1:%1/index.html").arg(port)));
+    QCOMPARE(error, QString());
+}
+
+void TestPageServer::thePortCannotBeGuessed()
+{
+    QSet<quint16> ports;
+    for (int i = 0; i < 20; ++i) {
+        QString error;
+        PageServer server;
+        QVERIFY(server.start(m_folder->filePath("root"), 0, &error));
+        QVERIFY2(server.port() >= 20000 && server.port() < 30000, qPrintable(QString::number(server.port())));
+        ports << server.port();
+    }
+    QVERIFY2(ports.size() > 10, qPrintable(QString::number(ports.size())));
 }
 
 void TestPageServer::oddNamesAreFound()
