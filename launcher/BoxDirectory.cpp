@@ -21,8 +21,7 @@ namespace {
 
 const char lockFile[] = "/lock";
 const char manifests[] = "/sdk";
-const quint16 firstPort = 20000; // below those that the system gives away itself
-const quint16 ports = 10000;
+const char portFile[] = "/port";
 
 QString advice(int error)
 {
@@ -83,6 +82,18 @@ int BoxDirectory::fill() const
 
 quint16 BoxDirectory::port() const
 {
-    const QByteArray name = QFile::encodeName(m_path);
-    return firstPort + qChecksum(name.constData(), uint(name.size())) % ports;
+    QFile file(m_path + portFile);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.read(16).trimmed().toUShort();
+}
+
+bool BoxDirectory::keepPort(quint16 port) const
+{
+    const QString name = m_path + portFile;
+    QFile::remove(name); // whatever it is that holds no port
+    QFile file(name);
+    const QByteArray text = QByteArray::number(port) + '\n';
+    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly)
+        && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) && file.write(text) == text.size() && file.flush();
 }

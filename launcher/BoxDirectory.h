@@ -19,8 +19,11 @@ public:
     QString path() const { return m_path; }
     /// Gives a new box its files, if need be. Returns an ExitStatus; what is wrong has been said then.
     int fill() const;
-    /// A port for the pages of this box, the same each time: a page's stored data belong to its address.
+    /// The port that the pages of this box have each time, since what a page stores belongs to its address. 0 if there
+    /// is none yet.
     quint16 port() const;
+    /// False if it cannot be kept for the next time.
+    bool keepPort(quint16 port) const;
 
 private:
     QString m_path;

@@ -85,8 +85,18 @@ bool Page::serve(const BoxDirectory &box, QString *error)
 {
     if (m_folder.isEmpty())
         return true;
-    if (!m_server.start(m_folder, box.port(), error))
+    const quint16 kept = box.port();
+    if (!m_server.start(m_folder, kept, error))
         return false;
+    if (kept == 0 && !box.keepPort(m_server.port()))
+        report(QString("the address of the pages cannot be kept in %1/port, so what they store is not found the next "
+                       "time; let that be a file that can be written")
+                   .arg(box.path()));
+    else if (kept != 0 && m_server.port() != kept)
+        report(
+            QString("port %1 of 127.0.0.1, where the pages of this box are, is taken, so their address is another one "
+                    "and what they have stored is not found this time; end the program that listens there")
+                .arg(kept));
     if (m_file.isEmpty())
         m_portalAddress = m_server.address(portalPage).toString(QUrl::FullyEncoded);
     else

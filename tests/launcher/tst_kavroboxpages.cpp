@@ -7,10 +7,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QXmlStreamReader>
 
 #include <algorithm>
+
+#include <sys/fsuid.h>
+#include <unistd.h>
 
 namespace {
 
@@ -28,6 +33,11 @@ private slots:
 
     void aFileIsServedAsAPage();
     void theAddressOfAServedFileStaysTheSame();
+    void aTakenPortIsSaidAndKeptForTheNextTime();
+    void anUnusablePortIsReplaced_data();
+    void anUnusablePortIsReplaced();
+    void aPortThatCannotBeKeptIsSaid();
+    void otherUsersGetNothingOfAPage();
     void aLinkStandsForTheFileThatItLeadsTo_data();
     void aLinkStandsForTheFileThatItLeadsTo();
     void aFileThatIsNotServedIsRefused();
@@ -49,6 +59,7 @@ private slots:
 private:
     /// The script of a page of another server that tells its address and leaves.
     QByteArray tellAddress() const;
+    QByteArray keptPort() const { return contentOf(m_box + "/port").trimmed(); }
     QString manifest() const;
     QString homePage(const QString &attribute) const;
 };
@@ -92,6 +103,86 @@ void TestKavroBoxPages::theAddressOfAServedFileStaysTheSame()
     const QStringList addresses = told();
     QCOMPARE(addresses.size(), 2);
     QCOMPARE(addresses.first(), addresses.last());
+}
+
+void TestKavroBoxPages::aTakenPortIsSaidAndKeptForTheNextTime()
+{
+    QVERIFY(writeFile(m_folder->filePath("a.html"), "<script>" + tellAddress() + "</script>"));
+    QCOMPARE(run({m_folder->filePath("a.html")}), 0);
+    const QByteArray port = keptPort();
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::LocalHost, port.toUShort()));
+    QCOMPARE(run({m_folder->filePath("a.html")}), 0);
+    QVERIFY2(m_program->errors().startsWith("kavro-box: port " + port + " of 127.0.0.1, "), m_program->errors());
+    QVERIFY(!other.hasPendingConnections());
+    other.close();
+    QCOMPARE(run({m_folder->filePath("a.html")}), 0);
+    QVERIFY2(!m_program->errors().contains("is taken"), m_program->errors());
+
+    const QStringList addresses = told();
+    QCOMPARE(addresses.size(), 3);
+    QCOMPARE(addresses.first(), QString("http://127.0.0.1:%1/a.html").arg(QString::fromLatin1(port)));
+    QVERIFY(addresses.at(1) != addresses.first());
+    QCOMPARE(addresses.last(), addresses.first());
+}
+
+void TestKavroBoxPages::anUnusablePortIsReplaced_data()
+{
+    QTest::addColumn<QByteArray>("made");
+    QTest::newRow("empty") << QByteArray(": >\"$0\"");
+    QTest::newRow("text") << QByteArray("echo none >\"$0\"");
+    QTest::newRow("too large") << QByteArray("echo 70000 >\"$0\"");
+    QTest::newRow("much") << QByteArray("truncate -s 1G \"$0\"");
+    QTest::newRow("pipe") << QByteArray("mkfifo \"$0\"");
+    QTest::newRow("device") << QByteArray("ln -s /dev/zero \"$0\"");
+}
+
+void TestKavroBoxPages::anUnusablePortIsReplaced()
+{
+    QFETCH(QByteArray, made);
+    QVERIFY(QDir().mkpath(m_box));
+    QCOMPARE(QProcess::execute("sh", {"-c", made, m_box + "/port"}), 0);
+    QCOMPARE(run({"--exit-after", "0"}), 0);
+    const QByteArray port = keptPort();
+    QVERIFY2(m_program->errors().contains("kavro-box: portal http://127.0.0.1:" + port + '/'), m_program->errors());
+    QCOMPARE(QFileInfo(m_box + "/port").permissions() & ~(QFile::ReadUser | QFile::WriteUser),
+             QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void TestKavroBoxPages::aPortThatCannotBeKeptIsSaid()
+{
+    QVERIFY(QDir().mkpath(m_box + "/port"));
+    QCOMPARE(run({"--exit-after", "0"}), 0);
+    QVERIFY2(m_program->errors().startsWith("kavro-box: the address of the pages cannot be kept in " + m_box.toUtf8()
+                                            + "/port, "),
+             m_program->errors());
+}
+
+void TestKavroBoxPages::otherUsersGetNothingOfAPage()
+{
+    if (geteuid() != 0)
+        QSKIP("Only root can connect as another user");
+    QVERIFY(writeFile(m_folder->filePath("b.html"), "private"));
+    const auto received = [this](uid_t user) {
+        const QByteArray port = keptPort();
+        setfsuid(user); // whose the socket is then
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1", port.toUShort());
+        setfsuid(geteuid());
+        socket.write("GET /b.html HTTP/1.0\r\nHost: 127.0.0.1:" + port + "\r\n\r\n");
+        QByteArray text;
+        while (socket.waitForReadyRead(patience))
+            text += socket.readAll();
+        return text;
+    };
+    begin({"--exit-after", "3", m_folder->filePath("b.html")});
+    QTRY_VERIFY_WITH_TIMEOUT(m_program->errors().contains("kavro-box: page "), patience);
+    QCOMPARE(received(65534), QByteArray());
+    QCOMPARE(received(1), QByteArray());
+    QVERIFY(received(0).endsWith("\r\n\r\nprivate"));
+    QCOMPARE(m_program->finish(), 0);
+    QCOMPARE(m_program->errors().count("kavro-box: user 65534 of this PC was refused the pages, "), 1);
+    QCOMPARE(m_program->errors().count("was refused"), 1);
 }
 
 void TestKavroBoxPages::aLinkStandsForTheFileThatItLeadsTo_data()
