@@ -160,7 +160,8 @@ void TestDeskRecordings::recordingsRunSideBySide()
 {
     const Channel channel;
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     const KVR_ID player = KVR_CreatePlayer();
     KVR_PlayStream(player, channel.address, -1, -1, -1);
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(player), int(KVR_PLAYER_PLAYING), patience);
@@ -209,7 +210,8 @@ void TestDeskRecordings::aScheduledRecordingCanBeChanged()
 void TestDeskRecordings::aRunningRecordingCanChangeItsDurationOnly()
 {
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     const KVR_ID id = KVR_AddRecord(server.address("bars.ts").toEncoded(), "running.ts", 0, 60);
     QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_RUNNING));
     QCOMPARE(KVR_SetRecordFilename(id, "other.ts"), int(KVR_ERR_INVALID_STATE));
@@ -270,7 +272,8 @@ void TestDeskRecordings::longTextsAreCutOffInTheList()
 void TestDeskRecordings::deletingStopsARecordingAndKeepsItsFile()
 {
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     const DeskEvents events(KVR_BOX);
     const KVR_ID id = KVR_AddRecord(server.address("bars.ts").toEncoded(), "deleted.ts", 0, 60);
     QTRY_VERIFY(QFile("/mnt/stb/deleted.ts").size() > 200000);
@@ -351,7 +354,8 @@ void TestDeskRecordings::noCallWaitsForARecording()
     HttpServer silent;
     silent.fallSilent();
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     for (int i = 0; i < 4; ++i) {
         KVR_AddRecord(silent.url("/a.ts").toEncoded(), QByteArray("silent%1.ts").replace("%1", QByteArray::number(i)),
                       0, 60);

@@ -43,7 +43,8 @@ void TestDeskRecordingsFullDisk::aFullDiskEndsTheRecording()
     QVERIFY(QDir().mkpath(disk));
     QVERIFY(TestMedia::makeBars(folder.filePath("bars.ts"), 5));
     PageServer server;
-    QVERIFY(server.start(folder.path(), 0));
+    QString error;
+    QVERIFY2(server.start(folder.path(), 0, &error), qPrintable(error));
 
     const QString tree = QDir::cleanPath(QCoreApplication::applicationDirPath() + "/..");
     QProcess child;

@@ -160,7 +160,8 @@ void TestDeskRecordingsRestart::initTestCase()
 {
     QVERIFY(QDir().mkpath(web));
     QVERIFY(TestMedia::makeBars(bars, 10));
-    QVERIFY(m_server.start(web, 0));
+    QString error;
+    QVERIFY2(m_server.start(web, 0, &error), qPrintable(error));
 }
 
 void TestDeskRecordingsRestart::init()

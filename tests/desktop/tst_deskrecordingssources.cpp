@@ -120,7 +120,8 @@ void TestDeskRecordingsSources::initTestCase()
     if (QTest::currentTestFailed())
         return;
     const auto contentOf = [](const char *name) { return boxFile(QString(web) + '/' + name); };
-    QVERIFY(m_folder.start(web, 0));
+    QString error;
+    QVERIFY2(m_folder.start(web, 0, &error), qPrintable(error));
     m_plain.serve("/bars.ts", HttpServer::Page{contentOf("bars.ts"), "video/mp2t"});
     m_plain.serve("/both.ts", HttpServer::Page{contentOf("bars.ts") + contentOf("other.ts"), "video/mp2t"});
 

@@ -124,7 +124,8 @@ void TestDeskStreams::httpSendsTheHeadersOfTheOptions()
 void TestDeskStreams::httpPlaysAFileAndSeeksInIt()
 {
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     QCOMPARE(KVR_PlayHttp(m_id, server.address("bars.mp4").toEncoded(), "", -1, -1, -1), int(KVR_OK));
     QVERIFY(comesToPlay(m_id));
     QVERIFY(qAbs(KVR_GetDuration(m_id) - barsSeconds * 1000) < 200);
@@ -136,7 +137,8 @@ void TestDeskStreams::httpPlaysAFileAndSeeksInIt()
 void TestDeskStreams::httpPlaysAPlaylistOfSegments()
 {
     PageServer server;
-    QVERIFY(server.start(web, 0));
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
     QCOMPARE(KVR_PlayHttp(m_id, server.address("bars.m3u8").toEncoded(), "", -1, -1, -1), int(KVR_OK));
     QVERIFY(comesToPlay(m_id));
     QVERIFY(qAbs(KVR_GetDuration(m_id) - barsSeconds * 1000) < 300);

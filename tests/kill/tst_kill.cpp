@@ -111,7 +111,8 @@ void TestKill::initTestCase()
     qInfo("%d kills of each kind, KAVRO_SEED=%d", m_kills, m_seed);
     QVERIFY(QDir().mkpath(web));
     QVERIFY(TestMedia::makeBars(bars, 5));
-    QVERIFY(m_server.start(web, 0));
+    QString error;
+    QVERIFY2(m_server.start(web, 0, &error), qPrintable(error));
 }
 
 // Every other life is counted from the process's start, so that the writer dies while it starts, too.
