@@ -3,6 +3,7 @@
 
 #include "Desk.h"
 
+#include "Channel.h"
 #include "ExitStatus.h"
 #include "Places.h"
 #include "RemoteControl.h"
@@ -20,12 +21,14 @@
 namespace {
 
 const int longestWaitForPage = 10000; // ms, before the keys start without one
+const int longestAddress = 2000;      // characters; a page's may hold the page itself
 const QSize inspectorSize(1280, 720);
 
 } // namespace
 
-Desk::Desk(const Options &options)
+Desk::Desk(const Options &options, Channel *channel)
     : m_options(options)
+    , m_channel(channel)
     , m_signals({SIGINT, SIGTERM, SIGHUP})
     , m_screen(std::make_unique<Screen>())
     , m_plugin(options.boxEngine)
@@ -67,6 +70,9 @@ void Desk::connectParts()
     connect(&m_signals, &UnixSignals::received, this, &Desk::handleSignal);
     connect(&m_plugin, &PluginHost::finished, this, [this] { leave(ExitStatus::Done); });
     connect(&m_plugin, &PluginHost::started, this, &Desk::showInspector);
+    connect(&m_plugin, &PluginHost::pageChanged, this, [this](const QUrl &address) {
+        m_channel->tellPage(address.toDisplayString().left(longestAddress).toUtf8());
+    });
     connect(&m_plugin, &PluginHost::pageLoaded, &m_keys, &KeyScript::start);
     m_longestWait.setSingleShot(true);
     connect(&m_longestWait, &QTimer::timeout, &m_keys, &KeyScript::start);

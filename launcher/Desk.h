@@ -15,6 +15,7 @@
 
 #include <memory>
 
+class Channel;
 class RemoteControl;
 
 /// The desk box, inside its box: runs the plugin on a screen from its start until it is left, or the box restarts.
@@ -23,7 +24,8 @@ class Desk : public QObject
     Q_OBJECT
 
 public:
-    explicit Desk(const Options &options);
+    /// The channel must outlive it.
+    Desk(const Options &options, Channel *channel);
     ~Desk() override;
 
     /// Returns when the desk box is left: an ExitStatus, or restart.
@@ -46,6 +48,7 @@ private:
     bool saveScreenshot();
 
     const Options m_options;
+    Channel *m_channel;
     UnixSignals m_signals;
     Watchdog m_watchdog;
     std::unique_ptr<Screen> m_screen;

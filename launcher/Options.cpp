@@ -28,7 +28,7 @@ presses a key three times. They start when the first page has loaded or has fail
 Exit status: 0 left by F1, by the page or by --exit-after, or ended by a signal; 1 the
 screenshot cannot be written or the screen cannot be shown; 2 wrong usage; 3 the plugin cannot
 be loaded; 4 the box directory is in use; 5 the box directory cannot be used, or this PC cannot
-run a box.)";
+run a box; above 128, the box crashed, and it is 128 and the signal's number.)";
 
 const int largestSize = 16384; // pixels; a window that is larger cannot be drawn
 
@@ -107,7 +107,8 @@ Options Options::fromCommandLine()
         "box", "Directory of the box's files, in your data folder without this option.", "DIR",
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/kavro-box");
     const QCommandLineOption shareOption("share", "The box has this folder of the PC's too, read-only.", "FOLDER");
-    const QCommandLineOption shareWritableOption("share-rw", "The same, and pages and scripts may change it.", "FOLDER");
+    const QCommandLineOption shareWritableOption("share-rw", "The same, and pages and scripts may change it.",
+                                                 "FOLDER");
     const QCommandLineOption headlessOption("headless", "No window, the same composed picture.");
     const QCommandLineOption screenshotOption("screenshot", "Writes the screen as PNG when it ends.", "FILE");
     const QCommandLineOption exitOption("exit-after", "Ends after this time.", "SECONDS");
@@ -121,14 +122,17 @@ Options Options::fromCommandLine()
                                           "box|pc", "box");
     const QCommandLineOption remoteOption("remote", "Shows a remote control.");
     const QCommandLineOption inspectorOption("inspector", "Shows the web inspector.");
+    const QCommandLineOption keepRunningOption("keep-running", "Starts the box again after a crash.");
     QCommandLineOption insideOption(QString(insideArgument).mid(2));
     QCommandLineOption portalOption("portal", {}, "URL");
     QCommandLineOption screenshotDescriptorOption("screenshot-descriptor", {}, "NUMBER", "-1");
-    for (QCommandLineOption *option : {&insideOption, &portalOption, &screenshotDescriptorOption})
+    QCommandLineOption channelOption("channel", {}, "NUMBER", "-1");
+    for (QCommandLineOption *option : {&insideOption, &portalOption, &screenshotDescriptorOption, &channelOption})
         option->setFlags(QCommandLineOption::HiddenFromHelp);
     parser.addOptions({helpOption, boxOption, shareOption, shareWritableOption, headlessOption, screenshotOption,
                        exitOption, keysOption, modelOption, traceOption, sizeOption, engineOption, remoteOption,
-                       inspectorOption, insideOption, portalOption, screenshotDescriptorOption});
+                       inspectorOption, keepRunningOption, insideOption, portalOption, screenshotDescriptorOption,
+                       channelOption});
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
     if (!parser.parse(QCoreApplication::arguments()))
@@ -161,14 +165,17 @@ Options Options::fromCommandLine()
     options.boxEngine = readEngine(parser.value(engineOption));
     options.remote = parser.isSet(remoteOption);
     options.inspector = parser.isSet(inspectorOption);
+    options.keepRunning = parser.isSet(keepRunningOption);
     options.page = parser.positionalArguments().value(0);
     options.portal = parser.value(portalOption);
+    options.channel = parser.value(channelOption).toInt();
     return options;
 }
 
 QStringList Options::forInside() const
 {
-    QStringList arguments = {insideArgument, "--keys", keys, "--model", model, "--portal", portal};
+    QStringList arguments = {insideArgument,          "--keys", keys, "--model", model, "--portal", portal, "--channel",
+                             QString::number(channel)};
     if (!screenshot.isEmpty())
         arguments << "--screenshot" << screenshot << "--screenshot-descriptor" << QString::number(screenshotDescriptor);
     if (exitAfter)

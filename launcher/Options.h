@@ -25,8 +25,10 @@ struct Options
     bool boxEngine = true; ///< pages find the web engine of a box, not the PC's
     bool remote = false;
     bool inspector = false;
-    QString page;   ///< outside, the argument as given; inside, the address to open; empty without
-    QString portal; ///< inside, the address of the demonstration portal
+    bool keepRunning = false; ///< outside, starts the box again after a crash
+    QString page;             ///< outside, the argument as given; inside, the address to open; empty without
+    QString portal;           ///< inside, the address of the demonstration portal
+    int channel = -1;         ///< inside, the descriptor of the Channel; -1 without
 
     /// Reads the application's command line. --help and wrong usage end the program.
     static Options fromCommandLine();

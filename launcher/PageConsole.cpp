@@ -11,7 +11,12 @@
 
 namespace {
 
-const int longestMessage = 2000; // characters
+const int longestText = 2000; // characters
+
+QString clipped(const QString &text)
+{
+    return text.size() > longestText ? text.left(longestText) + "..." : text;
+}
 
 } // namespace
 
@@ -37,10 +42,5 @@ void PageConsole::show(MessageSource, MessageLevel level, const QString &message
     if (!m_ownMessage.isEmpty() && message == m_ownMessage)
         return;
     const QString kind = level == ErrorLevel ? "console error" : level == WarningLevel ? "console warning" : "console";
-    QString text = message.size() > longestMessage ? message.left(longestMessage) + "..." : message;
-    for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = ' ';
-    }
-    report(QString("%1: %2 (%3:%4)").arg(kind, text, file, QString::number(line)));
+    report(QString("%1: %2 (%3:%4)").arg(kind, clipped(message), clipped(file), QString::number(line)));
 }

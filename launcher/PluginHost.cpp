@@ -67,6 +67,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         QObject *child = static_cast<QChildEvent *>(event)->child();
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
+            connect(child, SIGNAL(urlChanged(QUrl)), this, SIGNAL(pageChanged(QUrl)));
             m_console = std::make_unique<PageConsole>(child);
             if (m_hasBoxEngine) {
                 m_engine = std::make_unique<BoxEngine>(WebView::page(child));

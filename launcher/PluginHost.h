@@ -9,6 +9,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QUrl>
 
 #include <memory>
 
@@ -40,6 +41,8 @@ signals:
     void started();
     /// A page is there, or has failed.
     void pageLoaded();
+    /// The address is that of another page, or of another part of it.
+    void pageChanged(const QUrl &address);
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;

@@ -3,6 +3,7 @@
 
 #include "Watchdog.h"
 
+#include "Limits.h"
 #include "Report.h"
 
 #include <unistd.h>
@@ -14,6 +15,7 @@ namespace {
 const auto interval = 250ms;
 const auto patience = 10s;
 const auto patienceAtEnd = 3s; // of a slow PC that loads, draws or saves its picture
+const double memoryShare = 0.9;
 
 } // namespace
 
@@ -56,14 +58,27 @@ void Watchdog::run()
         const auto now = Clock::now();
         const auto silence = now - m_lastBeat;
         if (silence >= patienceAtEnd && now - patienceAtEnd >= m_end) {
-            report("the page's script does not end, so the desk box leaves without waiting for it");
+            reportNow("what the page has begun does not end, so the desk box leaves without waiting for it");
             _exit(m_exitStatus);
         }
         if (silence < patience)
             isTold = false;
         else if (!isTold) {
-            report("the page's script has been running for 10 s; keys, pictures and events wait for its end");
+            reportNow(
+                "nothing has moved for 10 s: a script, the layout or a picture of the page, or a file, takes so long; "
+                "keys and events wait");
             isTold = true;
         }
+        checkMemory();
     }
+}
+
+void Watchdog::checkMemory()
+{
+    const std::optional<rlim_t> most = Limits::memory();
+    const bool isTaken = most && double(Limits::memoryTaken()) > double(*most) * memoryShare;
+    if (isTaken && !m_isMemoryTaken)
+        reportNow(QString("the page has taken nearly all of the %1 of memory that a box has; what needs more fails")
+                      .arg(Limits::memoryText(*most)));
+    m_isMemoryTaken = isTaken;
 }

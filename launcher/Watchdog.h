@@ -10,8 +10,9 @@
 #include <mutex>
 #include <thread>
 
-/// Watches, from a thread of its own, whether the event loop turns. A page whose script never ends stops it, which
-/// the engine cannot be made to give up; the portal's author is told, and the desk box ends when it is to all the same.
+/// Watches, from a thread of its own, whether the event loop turns. A page whose script or layout never ends stops it,
+/// which the engine cannot be made to give up; the portal's author is told, and the desk box ends when it is to all the
+/// same. Says too when the page has taken nearly all memory, since not all that fails then says why.
 class Watchdog
 {
 public:
@@ -28,6 +29,7 @@ private:
 
     void run();
     void beat();
+    void checkMemory();
 
     QTimer m_heart;
     std::mutex m_mutex; // of all that follows
@@ -36,5 +38,6 @@ private:
     Clock::time_point m_lastBeat = Clock::now();
     Clock::time_point m_end = Clock::time_point::max();
     int m_exitStatus = 0;
-    std::thread m_thread; // last, because it uses the others
+    bool m_isMemoryTaken = false; // of the thread's alone, and said
+    std::thread m_thread;         // last, because it uses the others
 };

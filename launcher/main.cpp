@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BoxDirectory.h"
+#include "Channel.h"
+#include "CrashNote.h"
 #include "Descriptors.h"
 #include "Desk.h"
 #include "Display.h"
 #include "ExitStatus.h"
+#include "Limits.h"
 #include "Manifest.h"
 #include "Page.h"
 #include "Places.h"
@@ -86,7 +89,6 @@ int runOutside(int argc, char **argv)
 
     options.page = page.address();
     options.portal = page.portalAddress();
-    Supervisor supervisor;
     ScreenshotFile screenshot;
     if (!options.screenshot.isEmpty()) {
         if (!screenshot.open(options.screenshot, &error)) {
@@ -94,7 +96,6 @@ int runOutside(int argc, char **argv)
             return ExitStatus::Failed;
         }
         options.screenshotDescriptor = screenshot.descriptor();
-        supervisor.pass(screenshot.descriptor());
     }
     const int filled = box.fill();
     if (filled != ExitStatus::Done)
@@ -105,7 +106,7 @@ int runOutside(int argc, char **argv)
     const TraceLevel traceLevel(box.path());
     report(QString("%1, box %2")
                .arg(options.page.isEmpty() ? "portal " + options.portal : "page " + options.page, box.path()));
-    return supervisor.run(box.path(), options.shared, options.forInside());
+    return Supervisor(box.path(), options).run();
 }
 
 // For a plugin that ends the process: the picture is taken all the same, and the status is the plugin's, which it would
@@ -122,6 +123,9 @@ void endWithDesk(int status, void *)
 // The process inside the box. On a restart it gives the arguments for the next start.
 int runInside(int argc, char **argv, QStringList *nextArguments)
 {
+    Limits::keepThreadsSmall();
+    // A library's line is on its way when it is complete, as on a terminal.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // of which players' libraries take their decimal point
     QApplication::setQuitOnLastWindowClosed(false);
@@ -132,7 +136,10 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
     Descriptors::setInherited(Descriptors::given(), false);
     qputenv("KAVRO_BOX_PID", QByteArray::number(getpid())); // for the box's reboot command
 
-    Desk desk(Options::fromCommandLine());
+    const Options options = Options::fromCommandLine();
+    Channel channel(options.channel);
+    const CrashNote crashNote(&channel);
+    Desk desk(options, &channel);
     runningDesk = &desk;
     on_exit(endWithDesk, nullptr);
     const int status = desk.run();

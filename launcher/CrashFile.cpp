@@ -1,0 +1,86 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "CrashFile.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <cerrno>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+const char folder[] = "/tmp/";
+const int mostFiles = 20;
+
+QStringList crashFiles(int directory)
+{
+    static const QRegularExpression form(R"(^crash-\d{8}-\d{6}-\d{3}\.txt$)");
+    QStringList names;
+    const int copy = openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR *listing = copy < 0 ? nullptr : fdopendir(copy);
+    if (!listing) {
+        if (copy >= 0)
+            close(copy);
+        return names;
+    }
+    while (const dirent *entry = readdir(listing)) {
+        const QString name = QFile::decodeName(entry->d_name);
+        if (form.match(name).hasMatch())
+            names += name;
+    }
+    closedir(listing);
+    names.sort(); // by time
+    return names;
+}
+
+bool writeAll(int file, const QByteArray &content)
+{
+    int written = 0;
+    while (written < content.size()) {
+        const ssize_t count = ::write(file, content.constData() + written, size_t(content.size() - written));
+        if (count < 0 && errno != EINTR)
+            return false;
+        written += int(qMax(count, ssize_t(0)));
+    }
+    return true;
+}
+
+bool writeNew(int directory, const QString &name, const QByteArray &content)
+{
+    const QByteArray encoded = QFile::encodeName(name);
+    const int file = openat(directory, encoded.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (file < 0)
+        return false;
+    const bool isWritten = writeAll(file, content);
+    const int error = errno;
+    close(file);
+    if (!isWritten)
+        unlinkat(directory, encoded.constData(), 0);
+    errno = error;
+    return isWritten;
+}
+
+} // namespace
+
+QString CrashFile::write(const QString &boxDirectory, const QByteArray &content, QString *error)
+{
+    const QByteArray path = QFile::encodeName(boxDirectory + folder);
+    const QString name = "crash-" + QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss-zzz") + ".txt";
+    const int directory = open(path.chopped(1).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const bool isWritten = directory >= 0 && writeNew(directory, name, content);
+    if (!isWritten)
+        *error = qt_error_string();
+    const QStringList names = directory < 0 ? QStringList() : crashFiles(directory);
+    for (const QString &old : names.mid(0, qMax(0, names.size() - mostFiles)))
+        unlinkat(directory, QFile::encodeName(old).constData(), 0);
+    if (directory >= 0)
+        close(directory);
+    return isWritten ? boxDirectory + folder + name : QString();
+}
