@@ -112,6 +112,7 @@ void TestLimits::aPageThatMakesDoWithItsMemoryIsToldToo()
     m_server->serve("/",
                     page("onload = function () { window.all = []; try { for (;;) all.push(new Uint8Array(10000000)); }"
                          "catch (error) { tell('enough'); } leave(1000); };"));
+    m_usual = QStringList{"--headless", "--box", m_box};                            // a picture takes more than is left
     beginBelow("ulimit -d 614400", {"--engine", "pc", m_server->url().toString()}); // a box's knows no such arrays
     QCOMPARE(m_program->finish(), 0);
     QCOMPARE(told(), QStringList("enough"));
