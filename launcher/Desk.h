@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "DialogRefuser.h"
 #include "KeyScript.h"
 #include "Options.h"
 #include "PluginHost.h"
@@ -50,6 +51,7 @@ private:
     const Options m_options;
     Channel *m_channel;
     UnixSignals m_signals;
+    DialogRefuser m_dialogRefuser;
     Watchdog m_watchdog;
     std::unique_ptr<Screen> m_screen;
     PluginHost m_plugin;
