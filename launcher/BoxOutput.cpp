@@ -19,7 +19,7 @@
 
 namespace {
 
-const int patience = 5000;          // ms, with an output that nobody reads, before what the box writes is lost
+const int patience = 2000;          // ms, with an output that nobody reads, before what the box writes is lost
 const int patienceAtEnd = 3000;     // ms, with an output that nobody reads
 const int retryTime = 10;           // ms
 const int bufferSize = 1 << 16;     // bytes
@@ -42,7 +42,7 @@ bool areSameFile(int one, int other)
         && first.st_ino == second.st_ino;
 }
 
-const QByteArray ownPrefix = "kavro-box: ";
+const char ownPrefix[] = "kavro-box: ";
 
 // Sockets and not pipes, because a page cannot open /proc/self/fd/1 then.
 bool makePair(int type, int *end, int *boxEnd)

@@ -11,11 +11,10 @@
 #include <sys/socket.h>
 
 Channel::Channel(int descriptor)
-    : m_descriptor(descriptor)
+    : m_descriptor(fcntl(descriptor, F_SETFD, FD_CLOEXEC) == 0 ? descriptor : -1)
 {
     if (m_descriptor < 0)
         return;
-    fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
     setReporter([this](const QByteArray &text, bool mayWait) {
         if (mayWait)
             send(Line, text);

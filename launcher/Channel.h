@@ -20,7 +20,8 @@ public:
         Memory = 'm'   ///< how many bytes the process had as it crashed
     };
 
-    /// The end inside. From now on report() goes through it; without a descriptor (-1) nothing changes.
+    /// The end inside. From now on report() goes through it; without a descriptor
+    /// that is open nothing changes.
     explicit Channel(int descriptor);
     ~Channel();
     Channel(const Channel &) = delete;

@@ -78,8 +78,8 @@ QString CrashFile::write(const QString &boxDirectory, const QByteArray &content,
     if (!isWritten)
         *error = qt_error_string();
     const QStringList names = directory < 0 ? QStringList() : crashFiles(directory);
-    for (const QString &old : names.mid(0, qMax(0, names.size() - mostFiles)))
-        unlinkat(directory, QFile::encodeName(old).constData(), 0);
+    for (int i = 0; i < names.size() - mostFiles; ++i)
+        unlinkat(directory, QFile::encodeName(names.at(i)).constData(), 0);
     if (directory >= 0)
         close(directory);
     return isWritten ? boxDirectory + folder + name : QString();

@@ -21,10 +21,11 @@ const Channel *channelOfCrash = nullptr;
 void tellMemory()
 {
     std::array<char, 20> digits;
-    auto begin = digits.end();
+    char *const end = digits.data() + digits.size();
+    char *begin = end;
     for (rlim_t rest = Limits::memoryTaken(); rest > 0; rest /= 10)
         *--begin = static_cast<char>('0' + rest % 10);
-    channelOfCrash->tellMemory(begin, static_cast<size_t>(digits.end() - begin));
+    channelOfCrash->tellMemory(begin, static_cast<size_t>(end - begin));
 }
 
 // The action is the system's own by now, and comes when this returns.

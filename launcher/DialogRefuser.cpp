@@ -27,7 +27,7 @@ bool DialogRefuser::eventFilter(QObject *object, QEvent *event)
     if (dialog->graphicsProxyWidget())
         dialog->graphicsProxyWidget()->setOpacity(0);
     // When it has an event loop to leave.
-    QTimer::singleShot(0, dialog, &QDialog::reject);
+    QTimer::singleShot(0, dialog, SLOT(reject()));
     report("the page asks for a file or a colour to be chosen, which cannot be done on a box, and gets none");
     return false;
 }

@@ -18,7 +18,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-const int fullSize = 1 << 20;  // bytes
+const int fullSize = 4 << 20;  // bytes
 const int pieceSize = 1 << 14; // bytes, few enough that a slow reader is not taken for none
 
 } // namespace

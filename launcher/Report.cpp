@@ -10,7 +10,11 @@ namespace {
 
 const int longestText = 8000; // characters; what pages have a part in may be of any length
 
-Reporter currentReporter;
+Reporter &currentReporter()
+{
+    static Reporter reporter;
+    return reporter;
+}
 
 void report(const QString &text, bool mayWait)
 {
@@ -20,8 +24,8 @@ void report(const QString &text, bool mayWait)
             character = ' ';
     }
     const QByteArray bytes = line.toLocal8Bit();
-    if (currentReporter)
-        currentReporter(bytes, mayWait);
+    if (currentReporter())
+        currentReporter()(bytes, mayWait);
     else
         std::fprintf(stderr, "kavro-box: %s\n", bytes.constData());
 }
@@ -40,5 +44,5 @@ void reportNow(const QString &text)
 
 void setReporter(Reporter reporter)
 {
-    currentReporter = std::move(reporter);
+    currentReporter() = std::move(reporter);
 }

@@ -82,11 +82,12 @@ QString TestKavroBoxOptions::install()
 void TestKavroBoxOptions::helpListsTheOptions()
 {
     QCOMPARE(m_program->run({"--help"}), 0);
-    for (const char *option : {"--box <DIR>", "--share <FOLDER>", "--share-rw <FOLDER>", "--headless",
-                               "--screenshot <FILE>", "--exit-after <SECONDS>", "--keys <KEYS>", "--model <TEXT>",
-                               "--trace", "--size <WxH>", "--engine <box|pc>", "--remote", "--inspector", "[URL]"})
+    for (const char *option :
+         {"--box <DIR>", "--share <FOLDER>", "--share-rw <FOLDER>", "--headless", "--screenshot <FILE>",
+          "--exit-after <SECONDS>", "--keys <KEYS>", "--model <TEXT>", "--trace", "--size <WxH>", "--engine <box|pc>",
+          "--remote", "--inspector", "--keep-running", "[URL]"})
         QVERIFY2(m_program->output().contains(option), option);
-    for (const char *option : {"--inside", "--portal", "--screenshot-descriptor"})
+    for (const char *option : {"--inside", "--portal", "--screenshot-descriptor", "--channel"})
         QVERIFY2(!m_program->output().contains(option), option);
     QCOMPARE(m_program->errors(), QByteArray());
 }
