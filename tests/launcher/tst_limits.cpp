@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskBoxTest.h"
+#include "InsideProcess.h"
 
 #include <QTest>
 
@@ -54,6 +55,7 @@ private slots:
 
     void aPageMayHaveManyRequestsWaiting();
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    void aBoxHasFourGigabytes();
     void aPageThatTakesTooMuchMemoryIsTold();
     void aPageThatMakesDoWithItsMemoryIsToldToo();
 #endif
@@ -92,6 +94,16 @@ void TestLimits::aPageMayHaveManyRequestsWaiting()
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+void TestLimits::aBoxHasFourGigabytes()
+{
+    m_server->serve("/", page("onload = function () { tell('loaded'); };"));
+    begin({m_server->url().toString()});
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), patience);
+    const pid_t process = insideProcess(m_server->url().toString().toUtf8());
+    const QByteArray limits = contentOf(QString("/proc/%1/limits").arg(process)).simplified();
+    QVERIFY2(limits.contains(" Max data size 4294967296 "), limits.constData());
+}
 
 void TestLimits::aPageThatTakesTooMuchMemoryIsTold()
 {
