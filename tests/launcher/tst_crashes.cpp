@@ -34,6 +34,7 @@ private slots:
     void keptRunningItWaitsLongerAfterMoreCrashes();
     void aSignalEndsAnEndlessScriptToo_data();
     void aSignalEndsAnEndlessScriptToo();
+    void aStallIsSaidWhateverItsCause();
 
 private:
     QByteArray address() const { return m_server->url().toString().toUtf8(); }
@@ -190,6 +191,16 @@ void TestCrashes::aSignalEndsAnEndlessScriptToo()
     QTEST(m_program->finish(), "status");
     QVERIFY(m_program->errors().endsWith("kavro-box: the box did not end by itself, so it was ended as it was\n"));
     QCOMPARE(crashFiles(), QStringList());
+}
+
+void TestCrashes::aStallIsSaidWhateverItsCause()
+{
+    m_server->serve("/", page("setTimeout(function () { for (;;); }, 100);"));
+    QCOMPARE(run({"--exit-after", "9", m_server->url().toString()}), 1); // 3 s later, without its picture
+    QVERIFY(
+        m_program->errors().contains("\nkavro-box: nothing has moved for 10 s: a script, the layout or a picture of "
+                                     "the page, or a file, takes so long; keys and events wait\n"));
+    QVERIFY(!m_program->errors().contains("the page's script"));
 }
 
 QTEST_GUILESS_MAIN(TestCrashes)
