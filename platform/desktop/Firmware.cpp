@@ -3,14 +3,17 @@
 
 #include "Firmware.h"
 #include "BoxPaths.h"
+#include "DiskRoom.h"
 #include "DurableFile.h"
 #include "Log.h"
 #include "stbapi.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <curl/curl.h>
+#include <filesystem>
 #include <memory>
 #include <unistd.h>
 
@@ -21,15 +24,59 @@ namespace {
 constexpr long connectTimeout = 15; // seconds
 constexpr long stallTimeout = 30;   // seconds without a byte
 
+// Boxes keep their firmware in flash memory of some hundred megabytes.
+constexpr std::int64_t largestImage = 1LL << 30;
+
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 using Transfer = std::unique_ptr<CURL, void (*)(CURL *)>;
+
+constexpr char sizeUntold[] = "the server does not tell the size (Content-Length), so it cannot be verified";
+
+// What is being fetched, and where it goes.
+struct Image
+{
+    CURL *transfer = nullptr;
+    std::FILE *file = nullptr;
+    std::int64_t received = 0;
+    std::string problem;
+};
 
 int breakOff(void *finishing, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
 {
     return *static_cast<std::atomic<bool> *>(finishing) ? 1 : 0;
 }
 
-void prepare(CURL *transfer, const std::string &url, std::FILE *target, char *error)
+std::int64_t promisedSize(CURL *transfer)
+{
+    curl_off_t size = -1;
+    curl_easy_getinfo(transfer, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+    return size;
+}
+
+std::string problemOfPromise(CURL *transfer)
+{
+    const std::int64_t size = promisedSize(transfer);
+    if (size < 0)
+        return sizeUntold;
+    return problemOfSize(size, largestImage, std::filesystem::path(BoxPaths::firmwareImage).parent_path());
+}
+
+// Takes no byte of an image that cannot be kept.
+std::size_t takeBytes(const char *data, std::size_t, std::size_t size, void *target)
+{
+    Image &image = *static_cast<Image *>(target);
+    if (image.received == 0)
+        image.problem = problemOfPromise(image.transfer);
+    if (!image.problem.empty())
+        return 0;
+    const std::size_t written = std::fwrite(data, 1, size, image.file);
+    if (written < size)
+        image.problem = std::strerror(errno);
+    image.received += static_cast<std::int64_t>(written);
+    return written;
+}
+
+void prepare(CURL *transfer, const std::string &url, char *error)
 {
     curl_easy_setopt(transfer, CURLOPT_URL, url.c_str());
     curl_easy_setopt(transfer, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -42,7 +89,6 @@ void prepare(CURL *transfer, const std::string &url, std::FILE *target, char *er
     curl_easy_setopt(transfer, CURLOPT_LOW_SPEED_LIMIT, 1L);
     curl_easy_setopt(transfer, CURLOPT_LOW_SPEED_TIME, stallTimeout);
     curl_easy_setopt(transfer, CURLOPT_CAINFO, BoxPaths::certificates);
-    curl_easy_setopt(transfer, CURLOPT_WRITEDATA, target);
     curl_easy_setopt(transfer, CURLOPT_ERRORBUFFER, error);
 }
 
@@ -53,23 +99,26 @@ std::string download(const std::string &url, std::FILE *target, std::atomic<bool
     if (!transfer)
         return "no memory";
     char error[CURL_ERROR_SIZE] = "";
-    prepare(transfer.get(), url, target, error);
+    prepare(transfer.get(), url, error);
+    Image image;
+    image.transfer = transfer.get();
+    image.file = target;
+    curl_easy_setopt(transfer.get(), CURLOPT_WRITEFUNCTION, takeBytes);
+    curl_easy_setopt(transfer.get(), CURLOPT_WRITEDATA, &image);
     curl_easy_setopt(transfer.get(), CURLOPT_XFERINFOFUNCTION, breakOff);
     curl_easy_setopt(transfer.get(), CURLOPT_XFERINFODATA, &finishing);
     curl_easy_setopt(transfer.get(), CURLOPT_NOPROGRESS, 0L);
 
     const CURLcode result = curl_easy_perform(transfer.get());
+    if (!image.problem.empty())
+        return image.problem;
     if (result != CURLE_OK)
         return *error ? error : curl_easy_strerror(result);
-
-    curl_off_t expected = -1;
-    curl_off_t received = 0;
-    curl_easy_getinfo(transfer.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &expected);
-    curl_easy_getinfo(transfer.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-    if (expected < 0)
-        return "the server does not tell the size (Content-Length), so it cannot be verified";
-    if (expected != received || received == 0)
-        return std::to_string(received) + " of " + std::to_string(expected) + " bytes arrived";
+    const std::int64_t promised = promisedSize(transfer.get());
+    if (promised < 0)
+        return sizeUntold;
+    if (promised != image.received || image.received == 0)
+        return std::to_string(image.received) + " of " + std::to_string(promised) + " bytes arrived";
     if (std::fflush(target) != 0 || ::fsync(::fileno(target)) != 0)
         return std::strerror(errno);
     return {};
@@ -105,10 +154,12 @@ void Firmware::fetch(const std::string &url)
     log("firmware upgrade from " + url + " started");
     const std::string image = BoxPaths::firmwareImage;
     const std::string partial = image + ".part";
+    // It is made anew, and is no pipe or link that somebody has put there.
+    ::unlink(partial.c_str());
     std::string problem;
     if (!makeFolderOf(image)) {
         problem = "no folder for it";
-    } else if (const File file(std::fopen(partial.c_str(), "wbe"), std::fclose); !file) {
+    } else if (const File file(std::fopen(partial.c_str(), "wbxe"), std::fclose); !file) {
         problem = partial + ": " + std::strerror(errno);
     } else {
         problem = download(url, file.get(), m_finishing);

@@ -3,6 +3,7 @@
 
 #include "MagnetDownload.h"
 #include "BoxPaths.h"
+#include "DiskRoom.h"
 #include "Log.h"
 
 #include <algorithm>
@@ -23,9 +24,7 @@ namespace lt = libtorrent;
 
 namespace {
 
-// No file larger than this is downloaded, and none that would leave less than the reserve on the disk.
 constexpr std::int64_t largestFile = 32LL << 30;
-constexpr std::int64_t diskReserve = 256LL << 20;
 
 constexpr int piecesAhead = 8;
 constexpr std::chrono::milliseconds updateInterval{250};
@@ -192,10 +191,9 @@ void MagnetDownload::chooseFile(const std::shared_ptr<const lt::torrent_info> &i
         return fail("the torrent has no file " + m_wanted);
 
     const std::int64_t size = files.file_size(chosen);
-    std::error_code ignored;
-    const auto available = static_cast<std::int64_t>(std::filesystem::space(m_folder, ignored).available);
-    if (size > std::min(largestFile, available - diskReserve))
-        return fail("its " + std::to_string(size) + " bytes are more than this box can keep");
+    const std::string tooLarge = problemOfSize(size, largestFile, m_folder);
+    if (!tooLarge.empty())
+        return fail(tooLarge);
 
     std::vector<lt::download_priority_t> priorities(static_cast<std::size_t>(files.num_files()), lt::dont_download);
     priorities[static_cast<std::size_t>(static_cast<int>(chosen))] = lt::default_priority;
