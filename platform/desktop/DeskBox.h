@@ -8,6 +8,7 @@
 
 #include "stbapi.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -17,6 +18,10 @@
 #define DESKBOX_EXPORT __attribute__((visibility("default")))
 
 namespace DeskBox {
+
+/// So many players there can be at once, more than any page shows: KVR_CreatePlayer refuses a further one, and the log
+/// says so. Each takes 10 MB and more, and threads of its own.
+constexpr std::size_t maximumPlayers = 16;
 
 /// The graphics layer as the KVR_ functions have set it.
 struct GraphicsLayer

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "PlayerTable.h"
+#include "Log.h"
 #include "WindowLayout.h"
 
 #include <algorithm>
@@ -21,6 +22,13 @@ KVR_ID PlayerTable::create()
     KVR_ID id = 0;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_players.size() >= DeskBox::maximumPlayers) {
+            // Once: a page may try it again and again.
+            if (!std::exchange(m_refusalTold, true))
+                log("no further player: a box has " + std::to_string(DeskBox::maximumPlayers)
+                    + " at most; close those that are not needed");
+            return KVR_ERR_FAILED;
+        }
         id = m_nextId++;
         m_players[id] = std::make_shared<Player>(id, m_events, m_screen);
         m_order.push_back(id);
@@ -39,6 +47,8 @@ int PlayerTable::close(KVR_ID id)
             return KVR_ERR_INVALID_ID;
         player = std::move(found->second);
         m_players.erase(found);
+        if (m_players.empty())
+            m_refusalTold = false;
         m_order.erase(std::remove(m_order.begin(), m_order.end(), id), m_order.end());
     }
     m_events.removeAllOf(id);

@@ -19,6 +19,7 @@ class PlayerTable
 public:
     PlayerTable(EventRegistry &events, ScreenNotifier &screen, GraphicsState &graphics);
 
+    /// KVR_ERR_FAILED, and a line in the log, when there are as many as there may be.
     KVR_ID create();
 
     /// KVR_ERR_INVALID_ID when there is none.
@@ -52,6 +53,7 @@ private:
     std::map<KVR_ID, std::shared_ptr<Player>> m_players;
     std::vector<int> m_order;
     KVR_ID m_nextId = 1;
+    bool m_refusalTold = false; // since there was none
 };
 
 } // namespace Desk

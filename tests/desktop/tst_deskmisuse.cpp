@@ -19,8 +19,8 @@ namespace {
 constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char fifo[] = "/mnt/stb/fifo";
 constexpr int barsSeconds = 20;
-constexpr int manyPlayers = 40;
-constexpr int patience = 30000; // milliseconds, for many players at once
+constexpr auto manyPlayers = DeskBox::maximumPlayers - 1; // beside the one of each test
+constexpr int patience = 30000;                           // milliseconds, for many players at once
 
 int playFile(KVR_ID id, const char *path, const char *subtitles = "")
 {

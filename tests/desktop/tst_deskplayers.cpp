@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -104,6 +105,7 @@ private slots:
     void anExternalSubtitleFileIsShown();
     void anUndecodableTrackIsToldApart();
     void aPlayerWithoutAnythingHasNoPicture();
+    void thereAreSixteenPlayersAtMost();
 
 private:
     KVR_ID m_id = -1;
@@ -537,6 +539,31 @@ void TestDeskPlayers::aPlayerWithoutAnythingHasNoPicture()
     QTest::qWait(300);
     QVERIFY(playerPicture(m_id).isNull());
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
+}
+
+void TestDeskPlayers::thereAreSixteenPlayersAtMost()
+{
+    const QString refusal = "stbapi: no further player: a box has 16 at most; close those that are not needed\n";
+    const ErrorOutput log;
+    for (int round = 1; round <= 2; ++round) {
+        std::vector<KVR_ID> players = {m_id};
+        while (players.size() < 16)
+            players.push_back(KVR_CreatePlayer());
+        QVERIFY(players.back() > 0);
+        for (int i = 0; i < 100; ++i)
+            QCOMPARE(KVR_CreatePlayer(), int(KVR_ERR_FAILED));
+        QCOMPARE(KVR_GetPlayersCount(), 16);
+        // There is room for one again; that the next is too many is known.
+        QCOMPARE(KVR_ClosePlayer(players.back()), int(KVR_OK));
+        players.back() = KVR_CreatePlayer();
+        QVERIFY(players.back() > 0);
+        QCOMPARE(KVR_CreatePlayer(), int(KVR_ERR_FAILED));
+        QCOMPARE(log.text(), refusal.repeated(round));
+
+        for (const KVR_ID id : players)
+            KVR_ClosePlayer(id);
+        m_id = KVR_CreatePlayer();
+    }
 }
 
 QTEST_GUILESS_MAIN(TestDeskPlayers)
