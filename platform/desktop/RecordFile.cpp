@@ -9,12 +9,16 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Desk;
 
 namespace {
+
+// They are created for the recording and stay when it is removed.
+constexpr std::ptrdiff_t mostFolders = 8;
 
 // The name relative to the storage root, or an empty path for one that lies outside.
 std::filesystem::path belowRoot(const std::string &name)
@@ -57,7 +61,11 @@ std::string RecordFile::problemOf(const std::string &name)
     const std::filesystem::path path = belowRoot(name);
     if (path.empty())
         return "the file name must be one below " + std::string(BoxPaths::storageRoot);
-    return path.has_filename() ? std::string() : "the file name names a folder";
+    if (!path.has_filename())
+        return "the file name names a folder";
+    if (std::distance(path.begin(), path.end()) > mostFolders + 1)
+        return "the file name has more than " + std::to_string(mostFolders) + " folders";
+    return {};
 }
 
 bool RecordFile::areSame(const std::string &name, const std::string &other)

@@ -12,7 +12,7 @@ class RecordFile
 {
 public:
     /// What is wrong with a file name, or an empty text. A relative name is one below the storage root; an absolute one
-    /// must lie there.
+    /// must lie there. It has no more than eight folders.
     static std::string problemOf(const std::string &name);
 
     /// Whether two names are of one file.

@@ -291,8 +291,11 @@ int RecordScheduler::setFile(KVR_ID id, const std::string &file)
     return edit(id, [&](Record &record) {
         if (record.state != KVR_RECORD_SCHEDULED)
             return KVR_ERR_INVALID_STATE;
-        if (!RecordFile::problemOf(file).empty())
+        const std::string problem = RecordFile::problemOf(file);
+        if (!problem.empty()) {
+            log(nameOf(record) + " keeps its name, " + file + " is none: " + problem);
             return KVR_ERR_INVALID_ARGUMENT;
+        }
         record.file = file;
         return KVR_OK;
     });

@@ -242,6 +242,13 @@ void TestDeskRecordings::wrongArgumentsAreRefused()
         QVERIFY2(KVR_SetRecordFilename(id, name) == KVR_ERR_INVALID_ARGUMENT, name);
     QCOMPARE(KVR_SetRecordFilename(id, nullptr), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(list(), before);
+    {
+        const ErrorOutput log;
+        QCOMPARE(KVR_SetRecordFilename(id, QByteArray("n/").repeated(9) + "a.ts"), int(KVR_ERR_INVALID_ARGUMENT));
+        QCOMPARE(log.text().count("the file name has more than 8 folders\n"), 1);
+    }
+    QCOMPARE(list(), before);
+    QCOMPARE(KVR_SetRecordFilename(id, QByteArray("n/").repeated(8) + "a.ts"), int(KVR_OK));
 
     const KVR_ID nobody = id + 1;
     QCOMPARE(KVR_GetRecordStatus(nobody), int(KVR_ERR_INVALID_ID));

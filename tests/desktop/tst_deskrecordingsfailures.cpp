@@ -127,6 +127,7 @@ void TestDeskRecordingsFailures::initTestCase()
         {"no name", good, "", "below /mnt/stb"},
         {"the storage itself", good, "/mnt/stb", "below /mnt/stb"},
         {"a folder to be", good, "films/", "names a folder"},
+        {"too many folders", good, QByteArray("n/").repeated(9) + "new.ts", "more than 8 folders"},
         {"a folder", good, "folder", "File exists"},
         {"a file that exists", good, "existing.ts", "File exists"},
         {"a file that exists, in full", good, "/mnt/stb/existing.ts", "File exists"},
