@@ -3,6 +3,8 @@
 
 #include "browser/CaBundle.h"
 
+#include "common/other/plainfile.h"
+
 #include <QSslCertificate>
 #include <QSslSocket>
 
@@ -32,7 +34,9 @@ void CaBundle::require()
 
 void CaBundle::run()
 {
-    QSslSocket::setDefaultCaCertificates(QSslCertificate::fromPath(QLatin1String(path)));
+    Common::PlainFile bundle((QLatin1String(path)));
+    bundle.open(QIODevice::ReadOnly); // an unopened file has no certificates
+    QSslSocket::setDefaultCaCertificates(QSslCertificate::fromDevice(&bundle));
 }
 
 void CaBundle::timerEvent(QTimerEvent *)

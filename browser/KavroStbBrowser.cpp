@@ -13,6 +13,7 @@
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
 #include "browser/WorkerRemover.h"
+#include "common/other/plainfile.h"
 #include "common/other/qtcompat.h"
 #include "common/other/tools.h"
 #include "config/PluginConfigParser.h"
@@ -250,7 +251,7 @@ void KavroStbBrowser::dumpPage(bool isLoaded)
 {
     qDebug() << "Page loaded: " << isLoaded << "Page: " << url() << " Page size[[" << page()->totalBytes() << "]]";
     const QString path = QLatin1String(pageDump);
-    QFile file(path);
+    Common::PlainFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         qDebug() << "Cannot open file to dump html";
         return;
@@ -321,7 +322,7 @@ void KavroStbBrowser::checkDebugFile()
     if (level == -1 && !debugFileWatcher->files().contains(path))
         debugFileWatcher->addPath(path);
 
-    QFile file(path);
+    Common::PlainFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return;
     JsApiTracer::readLevel(file);

@@ -29,6 +29,8 @@ add_library(kavrostbbrowser MODULE
     config/DirectfbrcParser.cpp
     config/PluginConfigParser.cpp
     config/SystemSettings.cpp
+    common/other/plainfile.cpp
+    common/other/regularfile.cpp
     common/other/substitution.cpp
     common/other/tools.cpp
     jsapi/BootParameters.cpp

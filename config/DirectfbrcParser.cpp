@@ -12,6 +12,8 @@
 
 namespace {
 
+const long long largestFile = 64 * 1024 * 1024; // bytes, of what others may have made of it
+
 QRegExp modeLine()
 {
     return QRegExp(QLatin1String("\\s*mode=(\\d+x\\d+)\\s*.*"));
@@ -51,7 +53,7 @@ QSize firstMode(const QStringList &lines)
 DirectfbrcParser::DirectfbrcParser(const QString &path)
     : m_file(path)
 {
-    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Text))
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Text, largestFile))
         return;
     m_lines = readLines(m_file);
     m_mode = firstMode(m_lines);

@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include <QFile>
+#include "common/other/plainfile.h"
+
 #include <QSize>
 #include <QStringList>
 
@@ -26,7 +27,7 @@ public:
 private:
     Q_DISABLE_COPY(DirectfbrcParser)
 
-    QFile m_file;
+    Common::PlainFile m_file;
     QSize m_mode;
     QStringList m_lines;
 };

@@ -3,11 +3,11 @@
 
 #include "config/PluginConfigParser.h"
 
+#include "common/other/plainfile.h"
 #include "config/SystemSettings.h"
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QFile>
 #include <QTextStream>
 
 #include <unistd.h>
@@ -77,13 +77,13 @@ PluginConfigParser::PluginConfigParser(const QDir &pluginDir)
 
 bool PluginConfigParser::read()
 {
-    QFile pluginManifest(pluginDir.absoluteFilePath(QLatin1String(manifestName)));
+    Common::PlainFile pluginManifest(pluginDir.absoluteFilePath(QLatin1String(manifestName)));
     pluginManifest.open(QIODevice::ReadOnly); // an unopened file is one that does not parse
     if (!parse(&pluginManifest))
         return false;
     walkTheTree(document);
 
-    QFile userManifest(userDir.absoluteFilePath(QLatin1String(manifestName)));
+    Common::PlainFile userManifest(userDir.absoluteFilePath(QLatin1String(manifestName)));
     if (!userManifest.open(QIODevice::ReadOnly))
         return true;
     if (!parse(&userManifest))
@@ -177,9 +177,9 @@ bool PluginConfigParser::setResolution(const QSize &size)
 bool PluginConfigParser::save()
 {
     userDir.mkpath(QLatin1String("."));
-    QFile file(userDir.absoluteFilePath(QLatin1String(manifestName)));
+    Common::PlainFile file(userDir.absoluteFilePath(QLatin1String(manifestName)));
     QTextStream stream(&file);
-    file.open(QIODevice::ReadWrite | QIODevice::Truncate);
+    const bool isOpen = file.open(QIODevice::ReadWrite | QIODevice::Truncate);
 
     QDomDocument manifest = emptyDocument();
     QDomElement root = manifest.createElement(QLatin1String("plugin_config"));
@@ -189,7 +189,8 @@ bool PluginConfigParser::save()
     size.setAttribute(QLatin1String("width"), resolution.width());
     size.setAttribute(QLatin1String("height"), resolution.height());
     root.appendChild(size);
-    manifest.save(stream, 4);
+    if (isOpen)
+        manifest.save(stream, 4);
 
     // The launcher expects the disk to be busy now; the last of the text follows when file and stream are closed.
     sync();

@@ -3,9 +3,8 @@
 
 #include "config/SystemSettings.h"
 
+#include "common/other/plainfile.h"
 #include "common/other/tools.h"
-
-#include <QFile>
 
 namespace {
 
@@ -48,7 +47,7 @@ QString Common::CSettingsParser::errorString() const
 QString Common::settingsValue(const QString &section, const QString &key)
 {
     const QString path = QLatin1String(settingsPath);
-    QFile file(path);
+    PlainFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         writeError("QString Common::settingsValue(const QString&, const QString&)",
                    QString::fromLatin1("Can't open %1 %2").arg(path, file.errorString()));

@@ -17,7 +17,7 @@ const qint64 sizeLimit = 1024 * 1024; // bytes
 } // namespace
 
 PageLog::PageLog(QObject *parent)
-    : QFile(QLatin1String(logPath), parent)
+    : PlainFile(QLatin1String(logPath), parent)
 {
     // Without a buffer, what a full disk does not take is dropped instead of being kept in memory.
     open(QIODevice::WriteOnly | QIODevice::Unbuffered);

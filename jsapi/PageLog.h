@@ -3,10 +3,10 @@
 
 #pragma once
 
-#include <QFile>
+#include "common/other/plainfile.h"
 
 /// The log file that pages write. Each display object has its own handle of it.
-class PageLog : public QFile
+class PageLog : public Common::PlainFile
 {
 public:
     /// Opens and empties the file.

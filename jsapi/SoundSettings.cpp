@@ -3,6 +3,8 @@
 
 #include "jsapi/SoundSettings.h"
 
+#include "common/other/plainfile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -21,24 +23,27 @@ const char volumeKey[] = "volume/volumeValue";
 const char muteKey[] = "volume/mute";
 
 // QSettings makes objects of any type and size of entries with escapes or of this type. Those of this file are numbers.
-QByteArray plainEntries()
+// False if there is no file.
+bool readPlainEntries(QByteArray *entries)
 {
-    QFile file(QString::fromLatin1(settingsPath));
-    file.open(QIODevice::ReadOnly); // an unopened file has no entries
-    QByteArray entries;
+    Common::PlainFile file(QString::fromLatin1(settingsPath));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
     while (!file.atEnd()) {
         const QByteArray line = file.readLine();
         if (!line.contains('\\') && !line.contains("@Variant("))
-            entries += line;
+            *entries += line;
     }
-    return entries;
+    return true;
 }
 
 // The toolkit takes settings from its memory while the file's size and time of change are the same, which two writes in
 // one tick of the clock leave so. A copy under a new name is read in any case, if there is room for one.
 QVariant value(const char *key)
 {
-    const QByteArray entries = plainEntries();
+    QByteArray entries;
+    if (!readPlainEntries(&entries))
+        return 0;
     QTemporaryFile copy;
     const bool isCopied = copy.open() && copy.write(entries) == entries.size() && copy.flush();
     const QString path = isCopied ? copy.fileName() : QString::fromLatin1(settingsPath);
@@ -60,11 +65,15 @@ void setValue(const char *key, int value)
     const QString path = QLatin1String(settingsPath);
     const QString newPath = path + QLatin1String(".new");
     QDir().mkpath(QFileInfo(path).path());
+    const QString lockPath = newPath + QLatin1String(".lock");
     QFile::remove(newPath);
     // Left behind by a kill, it would be waited for, if the process that made it had the same number as this one.
-    QFile::remove(newPath + QLatin1String(".lock"));
-    const QByteArray entries = plainEntries();
-    QFile copy(newPath);
+    QFile::remove(lockPath);
+    if (QFile::exists(lockPath))
+        return;
+    QByteArray entries;
+    readPlainEntries(&entries); // there may be none yet
+    Common::PlainFile copy(newPath);
     if (!copy.open(QIODevice::WriteOnly) || copy.write(entries) != entries.size() || !copy.flush())
         return;
     copy.close();

@@ -4,6 +4,7 @@
 #include "shell/PluginWrapper.h"
 
 #include "browser/KavroStbBrowser.h"
+#include "common/other/plainfile.h"
 #include "config/PluginConfigParser.h"
 #include "config/SystemSettings.h"
 #include "jsapi/StbDisplay.h"
@@ -32,6 +33,8 @@ const int startDelay = 10;        // ms
 const int splashDelay = 500;      // ms
 const int inspectorFontSize = 30; // pixels
 
+const long long largestPicture = 16 * 1024 * 1024; // bytes
+
 void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)
 {
     QPalette palette = widget->palette();
@@ -45,6 +48,12 @@ void setUpEngine()
 {
     qputenv("JSC_useTailCalls", "0");
     QWebSettings::globalSettings();
+}
+
+// A picture that the manifest names.
+QPixmap picture(const QString &path)
+{
+    return Common::isOdd(path, largestPicture) ? QPixmap() : QPixmap(path);
 }
 
 // Models whose graphics layer lies above the video need a see-through window.
@@ -103,7 +112,7 @@ QPixmap PluginWrapper::appLogoSmall()
 
 QPixmap PluginWrapper::icon(const QString &file, const char *builtIn) const
 {
-    return QPixmap(file.isEmpty() ? QLatin1String(builtIn) : pluginDir.absoluteFilePath(file));
+    return file.isEmpty() ? QPixmap(QLatin1String(builtIn)) : picture(pluginDir.absoluteFilePath(file));
 }
 
 QString PluginWrapper::relativePath() const
@@ -242,7 +251,7 @@ void PluginWrapper::showSplash()
 {
     if (manifest->splashImage.isEmpty())
         return;
-    splashPixmap = QPixmap(pluginDir.absoluteFilePath(manifest->splashImage));
+    splashPixmap = picture(pluginDir.absoluteFilePath(manifest->splashImage));
     splashLabel = new QLabel(this);
     splashLabel->setPixmap(splashPixmap);
     splashLabel->show();

@@ -4,6 +4,7 @@
 #include "jsapi/deprecated/stb_display.h"
 
 #include "browser/JsApiTracer.h"
+#include "common/other/plainfile.h"
 #include "jsapi/BootParameters.h"
 #include "jsapi/DeviceIdentity.h"
 #include "jsapi/GraphicsLayer.h"
@@ -13,7 +14,6 @@
 #include "jsapi/deprecated/JsonText.h"
 #include "platform/stbapi.h"
 
-#include <QFile>
 #include <QTextStream>
 
 #include <iostream>
@@ -102,7 +102,7 @@ QString stb_display::FirmwareVersion()
 {
     trace("stb_display.getFirmwareVersion()");
     const QString path = QLatin1String(versionFile);
-    QFile file(path);
+    Common::PlainFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return QString::fromLatin1("");
     return QTextStream(&file).readLine(versionLength);

@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "OddFile.h"
 #include "config/DirectfbrcParser.h"
 
 #include <QDir>
@@ -67,6 +68,8 @@ private slots:
     void whatCannotBeOpenedIsDoneWithout();
     void aFileWithoutPermissionIsLeftAlone_data();
     void aFileWithoutPermissionIsLeftAlone();
+    void anOddFileIsDoneWithout_data();
+    void anOddFileIsDoneWithout();
     void aLargeFileIsKept();
 
 private:
@@ -316,6 +319,25 @@ void TestDirectfbrc::aFileWithoutPermissionIsLeftAlone()
     }
     QVERIFY(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner));
     QCOMPARE(contentOf(m_path), opens ? QByteArray("mode=3x4\ndepth=32\n") : content);
+}
+
+void TestDirectfbrc::anOddFileIsDoneWithout_data()
+{
+    QTest::addColumn<int>("kind");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind);
+}
+
+void TestDirectfbrc::anOddFileIsDoneWithout()
+{
+    QFETCH(const int, kind);
+    QVERIFY(OddFile::put(m_path, OddFile::Kind(kind)));
+    const qint64 size = QFileInfo(m_path).size();
+    DirectfbrcParser parser(m_path);
+    QCOMPARE(parser.mode(), QSize());
+    QVERIFY(parser.setMode(QSize(1280, 720)));
+    QVERIFY(parser.write());
+    QCOMPARE(QFileInfo(m_path).size(), size);
 }
 
 void TestDirectfbrc::aLargeFileIsKept()

@@ -3,6 +3,7 @@
 
 #include "BoxFile.h"
 #include "MessageLog.h"
+#include "OddFile.h"
 #include "config/PluginConfigParser.h"
 
 #include <QtTest>
@@ -106,6 +107,8 @@ private slots:
     void aBrokenManifestLeavesTheInitialValues_data();
     void aBrokenManifestLeavesTheInitialValues();
     void aBrokenUsersManifestLeavesThePluginsValues();
+    void anOddFileIsNoManifest_data();
+    void anOddFileIsNoManifest();
     void theUsersFolderFollowsThePluginsPath_data();
     void theUsersFolderFollowsThePluginsPath();
     void theDisplayModeChoosesASystemwideResolution_data();
@@ -121,6 +124,7 @@ private slots:
 void TestManifest::init()
 {
     QFile::remove(fromOutside(pluginManifest));
+    QDir().rmdir(fromOutside(pluginManifest));
     QDir("/home/user/config/plugins").removeRecursively();
     setLanguage("eng");
 }
@@ -345,6 +349,43 @@ void TestManifest::aBrokenUsersManifestLeavesThePluginsValues()
 
     QCOMPARE(changedFields(PluginConfigParser(QDir(pluginDir))), QVariantMap({{"valid", false}, {"homePage", "h"}}));
     QCOMPARE(log.debugLines(), QStringList("parse error \"" + error + "\""));
+}
+
+void TestManifest::anOddFileIsNoManifest_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QString(row.what);
+}
+
+void TestManifest::anOddFileIsNoManifest()
+{
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
+    QVERIFY(OddFile::put(pluginManifest, OddFile::Kind(kind)));
+    {
+        const MessageLog log;
+        QCOMPARE(changedFields(PluginConfigParser(QDir(pluginDir))), QVariantMap({{"valid", false}}));
+        QCOMPARE(log.debugLines().filter("parse error").size(), 1);
+        QCOMPARE(log.warnings().size(), 1);
+        QVERIFY(log.warnings().constFirst().startsWith(pluginManifest + QString(" is ") + what));
+    }
+    QFile::remove(pluginManifest);
+    QDir().rmdir(pluginManifest);
+    writeBoxFile(pluginManifest, manifest("<a type='homepage' src='h'/>"));
+    QVERIFY(OddFile::put(userManifest, OddFile::Kind(kind)));
+    const MessageLog log;
+    PluginConfigParser parser((QDir(pluginDir)));
+    QCOMPARE(changedFields(parser), QVariantMap({{"homePage", "h"}}));
+    QCOMPARE(log.warnings().size(), 1);
+    QVERIFY(log.warnings().constFirst().startsWith(userManifest + QString(" is ") + what));
+    // Nor is it waited for when the resolution is saved.
+    parser.setResolution(QSize(720, 576));
+    QVERIFY(parser.save());
+    QCOMPARE(PluginConfigParser(QDir(pluginDir)).resolution,
+             kind == OddFile::Gigabyte ? QSize(720, 576) : QSize(-1, -1));
+    QCOMPARE(log.debugLines(), QStringList());
 }
 
 void TestManifest::theUsersFolderFollowsThePluginsPath_data()

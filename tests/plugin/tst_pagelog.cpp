@@ -3,6 +3,7 @@
 
 #include "BoxFile.h"
 #include "FileSizeLimit.h"
+#include "OddFile.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
 
@@ -57,7 +58,8 @@ private slots:
     void theDeprecatedObjectHasAHandleOfItsOwn();
     void aFullDiskIsNotThePagesConcern();
     void onADiskThatGetsRoomAgainWritingGoesOn();
-    void withoutALogNothingIsWritten();
+    void anOddFileIsNoLog_data();
+    void anOddFileIsNoLog();
     void debugGoesToStandardOutput_data();
     void debugGoesToStandardOutput();
 
@@ -209,10 +211,8 @@ void TestPageLog::theDeprecatedObjectHasAHandleOfItsOwn()
 
 void TestPageLog::aFullDiskIsNotThePagesConcern()
 {
-    m_session.reset();
-    QFile::remove(logFile);
-    QVERIFY(QFile::link("/dev/full", logFile));
     QVERIFY(start());
+    const FileSizeLimit full(0);
     QCOMPARE(result("var sum = 0; for (var i = 0; i < 1000; ++i) sum += StbDisplay.Log('a line'); sum"), QString("0"));
     QCOMPARE(result("StbDisplay.Log(new Array(2000000).join('x'))"), QString("0"));
 }
@@ -230,14 +230,29 @@ void TestPageLog::onADiskThatGetsRoomAgainWritingGoesOn()
     QCOMPARE(readLog().texts, QByteArrayList({"before", "after", ""}));
 }
 
-void TestPageLog::withoutALogNothingIsWritten()
+void TestPageLog::anOddFileIsNoLog_data()
 {
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QString(row.what);
+}
+
+void TestPageLog::anOddFileIsNoLog()
+{
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
     m_session.reset();
-    QFile::remove(logFile);
-    QVERIFY(QDir().mkdir(logFile));
-    QVERIFY(start());
-    QCOMPARE(result("StbDisplay.Log('nowhere')"), QString("0"));
-    QVERIFY(QDir(logFile).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
+    QVERIFY(OddFile::put(logFile, OddFile::Kind(kind)));
+    m_session = std::make_unique<ScriptSession>();
+    QVERIFY(m_session->plugin().start());
+    const bool isEmptied = kind == OddFile::Gigabyte; // as any log is at the start
+    QCOMPARE(m_session->log().warnings().filter(QString(logFile) + " is " + what).size(), isEmptied ? 0 : 1);
+    QVERIFY(m_session->plugin().loadHtml("<title>Empty</title>"));
+    QCOMPARE(result("StbDisplay.Log('a line')"), QString("0"));
+    QCOMPARE(result("stb_display.log('a line')"), QString("0"));
+    QCOMPARE(isEmptied ? readLog().texts : QByteArrayList(),
+             isEmptied ? QByteArrayList({"a line", ""}) : QByteArrayList());
 }
 
 void TestPageLog::debugGoesToStandardOutput_data()

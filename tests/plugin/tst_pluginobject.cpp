@@ -4,6 +4,7 @@
 #include "BoxFile.h"
 #include "HostedPlugin.h"
 #include "MessageLog.h"
+#include "OddFile.h"
 #include "RecordingPlatform.h"
 #include "browser/EventNotifier.h"
 
@@ -106,6 +107,8 @@ private slots:
     void itsOwnTextsAreTranslated();
     void theManifestGivesTextsAndIcons();
     void anIconThatTheManifestNamesInVainIsEmpty();
+    void anIconThatIsOddIsEmpty_data();
+    void anIconThatIsOddIsEmpty();
     void anEmptyEntryIsNoEntry();
     void standardDefinitionIsWhatTheManifestSays_data();
     void standardDefinitionIsWhatTheManifestSays();
@@ -320,6 +323,28 @@ void TestPluginObject::theManifestGivesTextsAndIcons()
     QCOMPARE(application->appLogo().toImage().pixelColor(0, 0), QColor(Qt::red));
     QCOMPARE(application->appLogoSmall().size(), QSize(12, 10));
     QCOMPARE(application->appLogoSmall().toImage().pixelColor(0, 0), QColor(Qt::blue));
+}
+
+void TestPluginObject::anIconThatIsOddIsEmpty_data()
+{
+    QTest::addColumn<int>("kind");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind);
+}
+
+void TestPluginObject::anIconThatIsOddIsEmpty()
+{
+    QFETCH(const int, kind);
+    PluginManifest manifest;
+    manifest.bigIcon = "/mnt/stb/odd.png";
+    HostedPlugin::writeManifest(manifest);
+    QVERIFY(OddFile::put("/mnt/stb/odd.png", OddFile::Kind(kind)));
+    HostedPlugin host;
+    host.application()->setFullPath(HostedPlugin::pluginDirectory());
+
+    const MessageLog log;
+    QVERIFY(host.application()->appLogo().isNull());
+    QCOMPARE(log.warnings().filter("/mnt/stb/odd.png is ").size(), 1);
 }
 
 void TestPluginObject::anIconThatTheManifestNamesInVainIsEmpty()

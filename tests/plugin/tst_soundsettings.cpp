@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "FileSizeLimit.h"
+#include "OddFile.h"
 #include "RecordingPlatform.h"
 #include "ScriptSession.h"
 
@@ -82,7 +83,8 @@ private slots:
     void theSoundOfAClosedPlayerGoesToTheNext();
     void eachNewPlayerSeesTheLatestSound();
     void whatCannotBeWrittenIsNotReported();
-    void whatCannotBeReadIsSilence();
+    void anOddFileIsSilence_data();
+    void anOddFileIsSilence();
     void noRoomForTemporaryFilesIsNoSilence_data();
     void noRoomForTemporaryFilesIsNoSilence();
     void aLockLeftBehindStopsNobody();
@@ -218,12 +220,26 @@ void TestSoundSettings::whatCannotBeWrittenIsNotReported()
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
 }
 
-void TestSoundSettings::whatCannotBeReadIsSilence()
+void TestSoundSettings::anOddFileIsSilence_data()
 {
-    QVERIFY(QDir().mkpath(settingsFile));
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QString(row.what);
+}
+
+void TestSoundSettings::anOddFileIsSilence()
+{
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
+    QVERIFY(OddFile::put(settingsFile, OddFile::Kind(kind)));
+    const QStringList warnings = m_session->run("StbMedia.CreatePlayer()").warnings;
+    QCOMPARE(warnings.size(), 1);
+    QVERIFY(warnings.constFirst().startsWith(settingsFile + QString(" is ") + what));
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
+    // A file's place is taken by the new one, a folder's is not.
     closeAPlayer(m_session.get(), 35, 1);
-    QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
+    QCOMPARE(soundOfANewPlayer(m_session.get()), QString(kind == OddFile::Folder ? "0, 0" : "35, 1"));
 }
 
 void TestSoundSettings::noRoomForTemporaryFilesIsNoSilence_data()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BoxFile.h"
+#include "OddFile.h"
 #include "RecordingPlatform.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
@@ -182,6 +183,8 @@ private slots:
     void addressesAreThoseOfTheWiredNetwork();
     void theFirmwareVersionIsTheFirstLineOfItsFile_data();
     void theFirmwareVersionIsTheFirstLineOfItsFile();
+    void anOddFileIsNoFirmwareVersion_data();
+    void anOddFileIsNoFirmwareVersion();
     void rebootRunsTheCommandOfThatName();
     void aResolutionIsKeptAndTold();
     void resolutionsThatAreNoneAreRefused_data();
@@ -217,6 +220,7 @@ void TestDeprecatedDisplay::init()
     QFETCH_GLOBAL(const bool, tracing);
     RecordingPlatform::reset();
     QFile::remove("/home/user/version");
+    QDir().rmdir("/home/user/version");
     QFile::remove(rebootLog);
     if (tracing != m_tracing)
         QVERIFY(m_session->setTracing(tracing));
@@ -351,6 +355,26 @@ void TestDeprecatedDisplay::theFirmwareVersionIsTheFirstLineOfItsFile()
     QFETCH(const QByteArray, file);
     writeBoxFile("/home/user/version", file);
     QTEST(m_session->plugin().evaluate("stb_display.FirmwareVersion").toString(), "version");
+}
+
+void TestDeprecatedDisplay::anOddFileIsNoFirmwareVersion_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QString(row.what);
+}
+
+void TestDeprecatedDisplay::anOddFileIsNoFirmwareVersion()
+{
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
+    QVERIFY(OddFile::put("/home/user/version", OddFile::Kind(kind)));
+    const ScriptSession::Outcome outcome = m_session->run("stb_display.FirmwareVersion");
+    QCOMPARE(outcome.result, QString("\"\""));
+    static QStringList said; // once, and so not in the second round
+    QCOMPARE(outcome.warnings.filter("/home/user/version is " + what).size(), said.contains(what) ? 0 : 1);
+    said += what;
 }
 
 void TestDeprecatedDisplay::rebootRunsTheCommandOfThatName()

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "BoxFile.h"
+#include "MessageLog.h"
+#include "OddFile.h"
 #include "StreamCapture.h"
 #include "common/other/tools.h"
 #include "config/SystemSettings.h"
@@ -13,7 +15,7 @@ namespace {
 
 const char *const settingsFile = "/etc/settings.xml";
 
-QByteArray errorLine(const char *signature, const char *message)
+QByteArray errorLine(const char *signature, const QByteArray &message)
 {
     return QByteArray("../common/other/tools.cpp: \033[0;31m-E-\033[0m ") + signature + " Error: " + message + "\n";
 }
@@ -24,10 +26,10 @@ QByteArray notASettingsFile()
                      "Not a settings file or version is not 0.1");
 }
 
-QByteArray cannotOpen()
+QByteArray cannotOpen(const QByteArray &error = "No such file or directory")
 {
     return errorLine("QString Common::settingsValue(const QString&, const QString&)",
-                     "Can't open /etc/settings.xml No such file or directory");
+                     "Can't open /etc/settings.xml " + error);
 }
 
 QByteArray settings(const QByteArray &sections)
@@ -57,6 +59,8 @@ private slots:
     void whatIsNoSettingsFileIsNullAndSaysSo_data();
     void whatIsNoSettingsFileIsNullAndSaysSo();
     void aMissingFileIsNullAndNamesTheError();
+    void anOddFileIsNullAndSaysSo_data();
+    void anOddFileIsNullAndSaysSo();
     void aChangedFileIsSeenByTheNextQuestion();
     void theLanguageIsRussianForExactlyRus_data();
     void theLanguageIsRussianForExactlyRus();
@@ -70,6 +74,7 @@ private slots:
 void TestSystemSettings::cleanup()
 {
     QFile::remove(settingsFile);
+    QDir().rmdir(settingsFile);
 }
 
 void TestSystemSettings::aValueIsFoundBySectionAndKey_data()
@@ -196,6 +201,33 @@ void TestSystemSettings::aMissingFileIsNullAndNamesTheError()
 
     QVERIFY(Common::settingsValue("system", "language").isNull());
     QCOMPARE(errors.text(), cannotOpen());
+}
+
+void TestSystemSettings::anOddFileIsNullAndSaysSo_data()
+{
+    QTest::addColumn<QByteArray>("error");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << QByteArray(row.kind == OddFile::Folder         ? "Is a directory"
+                                                  : row.kind == OddFile::Gigabyte ? "File too large"
+                                                                                  : "Invalid argument")
+                                << int(row.kind) << QString(row.what);
+}
+
+void TestSystemSettings::anOddFileIsNullAndSaysSo()
+{
+    QFETCH(const QByteArray, error);
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
+    QVERIFY(OddFile::put(settingsFile, OddFile::Kind(kind)));
+    const StreamCapture errors(std::cerr);
+    const MessageLog log;
+    QCOMPARE(Common::getCurrentLanguage(), QLocale::English);
+    QCOMPARE(Common::getDisplayMode(), 1920);
+    QCOMPARE(errors.text(), cannotOpen(error).repeated(2));
+    QCOMPARE(log.warnings().size(), 1);
+    QVERIFY(log.warnings().constFirst().startsWith("/etc/settings.xml is " + what));
 }
 
 void TestSystemSettings::aChangedFileIsSeenByTheNextQuestion()

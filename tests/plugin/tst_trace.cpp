@@ -5,6 +5,7 @@
 #include "HostedPlugin.h"
 #include "HttpServer.h"
 #include "MessageLog.h"
+#include "OddFile.h"
 #include "browser/JsApiTracer.h"
 
 #include <QWebView>
@@ -52,7 +53,8 @@ private slots:
 
     void theFileIsReadAtTheStart_data();
     void theFileIsReadAtTheStart();
-    void whatCannotBeReadIsNoFile();
+    void anOddFileIsNoLevel_data() { addKinds(); }
+    void anOddFileIsNoLevel();
     void theFileIsReadAgainWhenItChanges_data();
     void theFileIsReadAgainWhenItChanges();
     void theFileComesAndGoes();
@@ -62,19 +64,31 @@ private slots:
     void aFailedPageIsDumpedToo();
     void nothingIsDumpedWhileOff_data();
     void nothingIsDumpedWhileOff();
+    void aDumpThatCannotBeWrittenIsTold_data() { addKinds(); }
     void aDumpThatCannotBeWrittenIsTold();
 
     void aNegativeLevelOutlivesItsFile(); // the last one: the level would stay for others
 
 private:
+    static void addKinds();
     static bool isTraced(HostedPlugin &plugin, MessageLog &log);
 };
 
 void TestTrace::init()
 {
-    QFile::remove(levelFile);
-    QFile::remove(dumpFile);
+    for (const char *file : {levelFile, dumpFile}) {
+        QFile::remove(file);
+        QDir().rmdir(file);
+    }
     HostedPlugin::writeManifest(PluginManifest());
+}
+
+void TestTrace::addKinds()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("what");
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QString(row.what);
 }
 
 bool TestTrace::isTraced(HostedPlugin &plugin, MessageLog &log)
@@ -172,16 +186,24 @@ void TestTrace::theFileIsReadAtTheStart()
     QCOMPARE(isTraced(plugin, log), traced);
 }
 
-void TestTrace::whatCannotBeReadIsNoFile()
+void TestTrace::anOddFileIsNoLevel()
 {
-    QVERIFY(QDir().mkpath(levelFile));
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
+    QVERIFY(OddFile::put(levelFile, OddFile::Kind(kind)));
     MessageLog log;
     HostedPlugin plugin;
-    const bool isStarted = plugin.start();
-    QVERIFY(QDir().rmdir(levelFile));
-
-    QVERIFY(isStarted);
+    QVERIFY(plugin.start());
     QCOMPARE(log.debugLines().filter("level"), QStringList());
+    QCOMPARE(log.warnings().filter(QString(levelFile) + " is " + what).size(), 1);
+    QVERIFY(plugin.loadHtml("Portal"));
+    QVERIFY(!isTraced(plugin, log));
+    // A file in its place counts at once.
+    QDir().rmdir(levelFile);
+    placeLevelFile("1\n");
+    QTRY_VERIFY(isTraced(plugin, log));
+    placeLevelFile("0\n"); // the level outlives the plugin
+    QTRY_VERIFY(!isTraced(plugin, log));
 }
 
 void TestTrace::theFileIsReadAgainWhenItChanges_data()
@@ -316,18 +338,20 @@ void TestTrace::nothingIsDumpedWhileOff()
 
 void TestTrace::aDumpThatCannotBeWrittenIsTold()
 {
+    QFETCH(const int, kind);
+    QFETCH(const QString, what);
     writeBoxFile(levelFile, "1\n");
     HostedPlugin plugin;
     QVERIFY(plugin.start());
     QVERIFY(plugin.loadHtml("Portal"));
-    QFile::remove(dumpFile);
-    QVERIFY(QDir().mkdir(dumpFile));
+    QVERIFY(OddFile::put(dumpFile, OddFile::Kind(kind)));
     const MessageLog log;
 
-    const bool loaded = plugin.loadHtml("Portal");
-    QVERIFY(QDir().rmdir(dumpFile));
-    QVERIFY(loaded);
-    QCOMPARE(log.debugLines().filter("dump"), QStringList("Cannot open file to dump html"));
+    QVERIFY(plugin.loadHtml("Portal"));
+    const bool isEmptied = kind == OddFile::Gigabyte;
+    QCOMPARE(log.debugLines().filter("dump"), isEmptied ? QStringList() : QStringList("Cannot open file to dump html"));
+    QCOMPARE(log.warnings().filter(QString(dumpFile) + " is " + what).size(), isEmptied ? 0 : 1);
+    QCOMPARE(boxFile(isEmptied ? dumpFile : "").contains("Portal"), isEmptied);
 }
 
 void TestTrace::aNegativeLevelOutlivesItsFile()
