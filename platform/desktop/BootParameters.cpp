@@ -13,6 +13,8 @@ using namespace Desk;
 
 namespace {
 
+constexpr std::size_t shownOfALine = 80; // bytes
+
 // What would break a line, or the line's key, is written as % and two hexadecimal digits.
 std::string escaped(const std::string &text)
 {
@@ -89,13 +91,18 @@ void BootParameters::load()
         return;
     m_loaded = true;
     std::istringstream lines(readFile(BoxPaths::bootParameters));
+    int ignored = 0;
     for (std::string line; std::getline(lines, line);) {
         const std::size_t separator = line.find('=');
-        if (separator == std::string::npos || separator == 0)
-            log("ignored in " + std::string(BoxPaths::bootParameters) + ", not key=value: " + line);
-        else
+        if (separator != std::string::npos && separator != 0)
             m_values[unescaped(line.substr(0, separator))] = unescaped(line.substr(separator + 1));
+        else if (ignored++ == 0)
+            log("ignored in " + std::string(BoxPaths::bootParameters)
+                + ", not key=value: " + line.substr(0, shownOfALine));
     }
+    if (ignored > 1)
+        log("ignored in " + std::string(BoxPaths::bootParameters) + ": " + std::to_string(ignored - 1)
+            + " more lines like it");
 }
 
 void BootParameters::save()

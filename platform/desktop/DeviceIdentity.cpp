@@ -29,12 +29,12 @@ std::string DeviceIdentity::firmwareVersion()
 std::string DeviceIdentity::serialNumber()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_serialNumber.empty())
-        return m_serialNumber;
+    if (m_serialNumber)
+        return *m_serialNumber;
 
     const std::string kept = readFile(BoxPaths::serialNumber);
     m_serialNumber = kept.substr(0, kept.find('\n'));
-    if (m_serialNumber.empty()) {
+    if (m_serialNumber->empty()) {
         std::random_device random;
         std::uniform_int_distribution<int> number(0, 99999999);
         const std::string digits = std::to_string(number(random));
@@ -42,5 +42,5 @@ std::string DeviceIdentity::serialNumber()
         if (writeDurably(BoxPaths::serialNumber, made + '\n'))
             m_serialNumber = made;
     }
-    return m_serialNumber;
+    return *m_serialNumber;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace Desk {
@@ -18,13 +19,13 @@ public:
     /// The version of this system.
     static std::string firmwareVersion();
 
-    /// Made up at first use and kept in the box's files. Empty when it cannot be kept.
+    /// Made up at first use and kept in the box's files. Empty, until the process ends, when it cannot be kept.
     std::string serialNumber();
 
 private:
     mutable std::mutex m_mutex;
     std::string m_model = "MZ-600 desk";
-    std::string m_serialNumber;
+    std::optional<std::string> m_serialNumber; // what came of the first use
 };
 
 } // namespace Desk

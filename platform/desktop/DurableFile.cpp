@@ -4,12 +4,13 @@
 #include "DurableFile.h"
 #include "Log.h"
 
+#include "common/other/regularfile.h"
+
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,11 +92,25 @@ bool Desk::writeDurably(const std::string &path, const std::string &content)
 
 std::string Desk::readFile(const std::string &path)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    if (file)
-        content << file.rdbuf();
-    else if (::access(path.c_str(), F_OK) == 0)
-        log("cannot read " + path);
-    return content.str();
+    std::string oddity;
+    const int file = Common::openRegular(path, O_RDONLY, Common::largestText, &oddity);
+    if (file < 0) {
+        if (oddity.empty() && errno != ENOENT)
+            fail("read", path);
+        if (!oddity.empty() && Common::isNews(oddity))
+            log(oddity);
+        return {};
+    }
+    std::string content;
+    std::array<char, 4096> block;
+    ssize_t count = 0;
+    do {
+        count = ::read(file, block.data(), block.size());
+        if (count < 0)
+            fail("read", path);
+        else
+            content.append(block.data(), static_cast<std::size_t>(count));
+    } while (count > 0 && content.size() < static_cast<std::size_t>(Common::largestText));
+    ::close(file);
+    return content;
 }

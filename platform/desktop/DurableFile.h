@@ -17,7 +17,7 @@ bool renameDurably(const std::string &from, const std::string &to);
 /// Creates the missing folders of a file's path. Logs and returns false when it cannot.
 bool makeFolderOf(const std::string &path);
 
-/// The content of a small file; an empty text when there is none. A file that is there and cannot be read is logged.
+/// The content of a text of the box; an empty text when there is none. Anything else that is in its place is logged.
 std::string readFile(const std::string &path);
 
 } // namespace Desk

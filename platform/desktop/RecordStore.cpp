@@ -6,18 +6,38 @@
 #include "DurableFile.h"
 #include "Log.h"
 
+#include "common/other/regularfile.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Desk;
 
 namespace {
 
+// Some hundred bytes a recording: nobody has scheduled as many as this.
+constexpr long long largestSchedule = 64LL << 20;
+
 QString connectionName()
 {
     return QStringLiteral("kavro-records");
+}
+
+// Whether what is in the place of the schedule, if anything, can be one.
+bool isUsable()
+{
+    std::string oddity;
+    const int file = Common::openRegular(BoxPaths::records, O_RDWR, largestSchedule, &oddity);
+    if (file >= 0)
+        ::close(file);
+    if (!oddity.empty())
+        log("no recording schedule: " + oddity);
+    return oddity.empty();
 }
 
 std::string problemOf(const QSqlError &error)
@@ -60,6 +80,8 @@ RecordStore::RecordStore()
         log("no recording schedule: the SQLite driver of Qt (libqt5sql5-sqlite) or the folder is missing");
         return;
     }
+    if (!isUsable())
+        return;
     m_database.setDatabaseName(QString::fromUtf8(BoxPaths::records));
     if (!m_database.open()) {
         log(problemOf(m_database.lastError()));
@@ -78,6 +100,15 @@ RecordStore::~RecordStore()
     m_database.close();
     m_database = QSqlDatabase();
     QSqlDatabase::removeDatabase(connectionName());
+}
+
+// Without a database there is nothing to prepare, which the toolkit would log.
+QSqlQuery RecordStore::prepared(const QString &statement) const
+{
+    QSqlQuery query(m_database);
+    if (isOpen())
+        query.prepare(statement);
+    return query;
 }
 
 bool RecordStore::execute(const char *statement)
@@ -104,8 +135,7 @@ bool RecordStore::hasSucceeded(const QSqlQuery &query, bool success)
 std::vector<Record> RecordStore::all()
 {
     std::vector<Record> records;
-    QSqlQuery query(m_database);
-    query.prepare(
+    QSqlQuery query = prepared(
         QStringLiteral("SELECT id, url, file, start, begin, duration, state, owns_file FROM records ORDER BY id"));
     execute(query);
     while (query.next())
@@ -115,18 +145,18 @@ std::vector<Record> RecordStore::all()
 
 KVR_ID RecordStore::add(const Record &record)
 {
-    QSqlQuery query(m_database);
-    query.prepare(QStringLiteral("INSERT INTO records (url, file, start, begin, duration, state, owns_file) "
-                                 "VALUES (?, ?, ?, ?, ?, ?, ?)"));
+    QSqlQuery query =
+        prepared(QStringLiteral("INSERT INTO records (url, file, start, begin, duration, state, owns_file) "
+                                "VALUES (?, ?, ?, ?, ?, ?, ?)"));
     bindColumns(query, record);
     return execute(query) ? query.lastInsertId().toInt() : KVR_ERR_FAILED;
 }
 
 bool RecordStore::update(const Record &record)
 {
-    QSqlQuery query(m_database);
-    query.prepare(QStringLiteral("UPDATE records SET url = ?, file = ?, start = ?, begin = ?, duration = ?, state = ?, "
-                                 "owns_file = ? WHERE id = ?"));
+    QSqlQuery query =
+        prepared(QStringLiteral("UPDATE records SET url = ?, file = ?, start = ?, begin = ?, duration = ?, state = ?, "
+                                "owns_file = ? WHERE id = ?"));
     bindColumns(query, record);
     query.addBindValue(record.id);
     return execute(query);
@@ -134,8 +164,7 @@ bool RecordStore::update(const Record &record)
 
 bool RecordStore::remove(KVR_ID id)
 {
-    QSqlQuery query(m_database);
-    query.prepare(QStringLiteral("DELETE FROM records WHERE id = ?"));
+    QSqlQuery query = prepared(QStringLiteral("DELETE FROM records WHERE id = ?"));
     query.addBindValue(id);
     return execute(query);
 }

@@ -32,6 +32,7 @@ public:
     bool remove(KVR_ID id);
 
 private:
+    QSqlQuery prepared(const QString &statement) const;
     bool execute(const char *statement);
     bool execute(QSqlQuery &query);
     bool hasSucceeded(const QSqlQuery &query, bool success);

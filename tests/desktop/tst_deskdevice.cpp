@@ -7,7 +7,9 @@
 #include "platform/desktop/DeskBox.h"
 
 #include "tests/support/BoxFile.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/HttpServer.h"
+#include "tests/support/OddFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,11 +17,15 @@
 #include <QTest>
 
 #include <array>
+#include <climits>
+#include <cstdio>
 
 namespace {
 
 constexpr char bootParameters[] = "/home/user/config/boot_params";
 constexpr char image[] = "/home/user/firmware/image";
+constexpr char serialNumber[] = "/home/user/config/serial_number";
+constexpr char useOddFiles[] = "use-odd-files";
 constexpr char storeForever[] = "store-forever";
 constexpr char tellSerialNumber[] = "tell-serial-number";
 constexpr int kills = 12;
@@ -52,6 +58,17 @@ int storeParametersForever()
     }
 }
 
+// What the child process of the test of odd files does: the values, as often as a page may ask, then what it can
+// change.
+int readAndReplace()
+{
+    for (int i = 0; i < 3; ++i)
+        std::printf("%s;%s;", bootParameter("buf_time_udp").constData(), textOf(KVR_GetDeviceSerialNumber).constData());
+    KVR_SetBootParamValue("buf_time_udp", "9");
+    std::printf("%d", KVR_SyncBootParams());
+    return 0;
+}
+
 } // namespace
 
 /// The desk box's identity, boot parameters, outputs and firmware.
@@ -73,6 +90,9 @@ private slots:
     void anImageThatDidNotArriveIsNotInstalled_data();
     void anImageThatDidNotArriveIsNotInstalled();
     void oneUpgradeAtATime();
+    void whatIsInAFilesPlaceIsSaidOnce_data();
+    void whatIsInAFilesPlaceIsSaidOnce();
+    void aWriteBeyondTheLimitOfFilesFails();
 };
 
 void TestDeskDevice::theDeviceSaysWhoItIs()
@@ -208,6 +228,9 @@ void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled_data()
     QTest::newRow("cut off") << RawServer::cutOff("half", 8) << "4 bytes remaining";
     QTest::newRow("empty") << RawServer::cutOff("", 0) << "0 of 0 bytes";
     QTest::newRow("size unknown") << QByteArray("HTTP/1.1 200 OK\r\n\r\nsome") << "Content-Length";
+    QTest::newRow("larger than a disk") << RawServer::cutOff("half", INT_MAX) << "2147483647 bytes are more than";
+    QTest::newRow("endless") << QByteArray("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\nhalf\r\n")
+                             << "Content-Length";
     QTest::newRow("closed at once") << QByteArray() << "Empty reply";
     QTest::newRow("to another scheme") << QByteArray("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\n\r\n")
                                        << "rotocol";
@@ -241,11 +264,64 @@ void TestDeskDevice::oneUpgradeAtATime()
     QCOMPARE(KVR_UpgradeFirmware(nullptr), int(KVR_ERR_INVALID_ARGUMENT));
 }
 
+void TestDeskDevice::whatIsInAFilesPlaceIsSaidOnce_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QByteArray>("what");
+    QTest::addColumn<bool>("isReplaced"); // by a write, which a file takes and a folder does not
+    for (const OddFile::Row &row : OddFile::all)
+        QTest::newRow(row.name) << int(row.kind) << QByteArray(row.what) << (row.kind != OddFile::Folder);
+}
+
+void TestDeskDevice::whatIsInAFilesPlaceIsSaidOnce()
+{
+    QFETCH(int, kind);
+    QFETCH(QByteArray, what);
+    QFETCH(bool, isReplaced);
+    for (const char *file : {bootParameters, serialNumber})
+        QVERIFY(OddFile::put(file, OddFile::Kind(kind)));
+    QProcess other;
+    other.start(QCoreApplication::applicationFilePath(), {useOddFiles});
+    QVERIFY(other.waitForFinished());
+    const QByteArray log = other.readAllStandardError();
+    for (const char *file : {bootParameters, serialNumber})
+        QVERIFY2(log.count("stbapi: " + QByteArray(file) + " is " + what + ", so nothing is read from it;") == 1, log);
+    QCOMPARE(log.count("cannot write " + QByteArray(serialNumber)), isReplaced ? 0 : 1);
+
+    const QByteArray serial = isReplaced ? boxFile(serialNumber).trimmed() : QByteArray();
+    QCOMPARE(serial.isEmpty(), !isReplaced);
+    QCOMPARE(other.readAllStandardOutput(),
+             (';' + serial + ';').repeated(3) + QByteArray::number(isReplaced ? KVR_OK : KVR_ERR_FAILED));
+    QCOMPARE(boxFile(bootParameters), isReplaced ? QByteArray("buf_time_udp=9\n") : QByteArray());
+}
+
+void TestDeskDevice::aWriteBeyondTheLimitOfFilesFails()
+{
+    HttpServer server;
+    server.serve("/image.bin", HttpServer::Page{QByteArray(100000, 'f'), "application/octet-stream"});
+    const QByteArray before = boxFile(image);
+    const ErrorOutput log;
+    const FileSizeLimit limit(4096); // of the log too
+    KVR_SetBootParamValue("hdmi_config", "1");
+    QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
+    const QByteArray parameters = boxFile(bootParameters);
+    for (int i = 0; i < 40; ++i)
+        KVR_SetBootParamValue("parameter" + QByteArray::number(i), QByteArray(200, 'x'));
+    QCOMPARE(KVR_SyncBootParams(), int(KVR_ERR_FAILED));
+    QVERIFY(!parameters.isEmpty());
+    QCOMPARE(boxFile(bootParameters), parameters);
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/image.bin").toEncoded()), int(KVR_OK));
+    QTRY_VERIFY(log.text().contains("failed: File too large\n"));
+    QCOMPARE(boxFile(image), before);
+}
+
 int main(int argc, char *argv[])
 {
     const QByteArray role = argc > 1 ? argv[1] : "";
     if (role == storeForever)
         return storeParametersForever();
+    if (role == useOddFiles)
+        return readAndReplace();
     if (role == tellSerialNumber)
         return std::fputs(textOf(KVR_GetDeviceSerialNumber), stdout) < 0;
     if (role == "tell-boot-parameter" && argc == 3)

@@ -1,7 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "BoxFile.h"
 #include "FileSizeLimit.h"
+#include "OddFile.h"
 #include "RecordedFile.h"
 #include "TestMedia.h"
 
@@ -18,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 
 namespace {
 
@@ -134,6 +137,8 @@ private:
 };
 
 } // namespace
+
+Q_DECLARE_METATYPE(std::optional<OddFile::Kind>)
 
 /// Recordings of the desk box over its restarts. Each box is a process of its own.
 class TestDeskRecordingsRestart : public QObject
@@ -267,27 +272,32 @@ void TestDeskRecordingsRestart::whatAFullDiskDoesNotTakeIsWrittenLater()
 
 void TestDeskRecordingsRestart::aScheduleThatCannotBeReadSaysSo_data()
 {
-    QTest::addColumn<bool>("isFolder");
-    QTest::newRow("a file of another kind") << false;
-    QTest::newRow("a folder") << true;
+    QTest::addColumn<std::optional<OddFile::Kind>>("kind");
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("a file of another kind")
+        << std::optional<OddFile::Kind>()
+        << QByteArray("stbapi: recording schedule /home/user/config/records.sqlite: ");
+    for (const OddFile::Row &row : OddFile::all) {
+        QTest::newRow(row.name) << std::make_optional(row.kind)
+                                << QByteArray("stbapi: no recording schedule: /home/user/config/records.sqlite is ");
+    }
 }
 
 void TestDeskRecordingsRestart::aScheduleThatCannotBeReadSaysSo()
 {
-    QFETCH(bool, isFolder);
-    if (isFolder) {
-        QVERIFY(QDir().mkpath(schedule));
-    } else {
-        QFile file(schedule);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QVERIFY(file.write(QByteArray("no schedule\n").repeated(1000)) > 0);
-    }
+    QFETCH(std::optional<OddFile::Kind>, kind);
+    QFETCH(QByteArray, line);
+    if (kind)
+        QVERIFY(OddFile::put(schedule, *kind));
+    else
+        writeBoxFile(schedule, QByteArray("no schedule\n").repeated(1000));
     Box box({addRecord, "udp://127.0.0.1:45456", "new.ts", QString::number(now() + 1000), "1", "leave"});
     QCOMPARE(box.allWords(), QByteArray());
     const QByteArray log = box.log();
-    QVERIFY2(log.contains("recording schedule /home/user/config/records.sqlite: "), log);
-    if (isFolder)
-        QVERIFY(QDir().rmdir(schedule));
+    QVERIFY2(log.contains(line), log);
+    if (kind)
+        QCOMPARE(log.count('\n'), 1);
+    QDir().rmdir(schedule);
 }
 
 int main(int argc, char *argv[])
