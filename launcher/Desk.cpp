@@ -5,6 +5,7 @@
 
 #include "Channel.h"
 #include "ExitStatus.h"
+#include "Manifest.h"
 #include "Places.h"
 #include "RemoteControl.h"
 #include "Report.h"
@@ -44,6 +45,9 @@ int Desk::run()
     connectParts();
     if (m_options.trace && !TraceLevel::switchOn())
         report(QString("%1 cannot be written, so nothing is traced").arg(Places::traceLevel));
+    const QString problem = Manifest::checkResolution(Places::manifest, Places::userManifest);
+    if (!problem.isEmpty())
+        report(problem);
     QString error;
     if (!m_plugin.load(Places::plugin(), &error)) {
         report(error);

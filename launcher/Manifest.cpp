@@ -4,11 +4,15 @@
 #include "Manifest.h"
 
 #include "ManifestText.h"
+#include "common/other/regularfile.h"
 
 #include <QFile>
 #include <QSaveFile>
+#include <QSize>
 #include <QTextCodec>
 #include <QXmlStreamReader>
+
+#include <fcntl.h>
 
 namespace {
 
@@ -17,6 +21,50 @@ const char address[] = "src";
 const char deskPage[] = "desk-page";
 const char byteOrderMark[] = "\xef\xbb\xbf";
 const char portal[] = "portal";
+
+// No box's screen is smaller or larger; of a page that is, little or nothing could be seen.
+const QSize smallestPage(320, 240);
+const QSize largestPage(7680, 4320);
+
+std::optional<QByteArray> contentOf(const QString &fileName, QString *error)
+{
+    std::string oddity;
+    const int descriptor =
+        Common::openRegular(QFile::encodeName(fileName).toStdString(), O_RDONLY, Common::largestText, &oddity);
+    if (descriptor < 0)
+        *error = oddity.empty() ? QString("%1 cannot be read (%2)").arg(fileName, qt_error_string())
+                                : QString::fromLocal8Bit(oddity.c_str());
+    QFile file;
+    if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle))
+        return std::nullopt;
+    return file.readAll();
+}
+
+// The page's own size; nothing if the manifest has none, or cannot be read, which the plugin says.
+std::optional<QSize> resolutionOf(const QString &fileName)
+{
+    QString error;
+    QXmlStreamReader reader(contentOf(fileName, &error).value_or(QByteArray()));
+    reader.setNamespaceProcessing(false);
+    std::optional<QSize> resolution;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        const QXmlStreamAttributes attributes = reader.attributes();
+        if (reader.isStartElement() && attributes.value("type") == QLatin1String("resolution")
+            && attributes.value(address) != QLatin1String("systemwide"))
+            resolution = QSize(attributes.value("width").toInt(), attributes.value("height").toInt());
+    }
+    return reader.hasError() ? std::nullopt : resolution;
+}
+
+// What is wrong with the resolution of a manifest, or nothing.
+QString problemOf(const QString &fileName, const QSize &resolution)
+{
+    if (resolution.expandedTo(smallestPage) == resolution && resolution.boundedTo(largestPage) == resolution)
+        return {};
+    return QString("%1 has a resolution of %2x%3, at which the page could not be seen")
+        .arg(fileName, QString::number(resolution.width()), QString::number(resolution.height()));
+}
 
 QTextCodec *codecOf(const QByteArray &content)
 {
@@ -44,10 +92,11 @@ void choose(ManifestText *manifest, const QString &page, const QString &portalPa
 
 QString Manifest::setHomePage(const QString &fileName, const QString &page, const QString &portalPage)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString("%1 cannot be read (%2)").arg(fileName, file.errorString());
-    const QByteArray content = file.readAll();
+    QString error;
+    const std::optional<QByteArray> found = contentOf(fileName, &error);
+    if (!found)
+        return error;
+    const QByteArray &content = *found;
     const QByteArray mark = content.startsWith(byteOrderMark) ? byteOrderMark : "";
     QTextCodec *codec = codecOf(content);
     const QString text = codec->toUnicode(content);
@@ -67,4 +116,22 @@ QString Manifest::setHomePage(const QString &fileName, const QString &page, cons
         || !replacement.commit())
         return QString("%1 cannot be written (%2)").arg(fileName, replacement.errorString());
     return {};
+}
+
+QString Manifest::checkResolution(const QString &fileName, const QString &userFileName)
+{
+    const std::optional<QSize> resolution = resolutionOf(fileName);
+    const std::optional<QSize> userResolution = resolutionOf(userFileName);
+    if (!userResolution) {
+        const QString problem = resolution ? problemOf(fileName, *resolution) : QString();
+        return problem.isEmpty() ? problem : problem + "; give it one such as 1280x720";
+    }
+    const QString problem = problemOf(userFileName, *userResolution);
+    if (problem.isEmpty())
+        return {};
+    const QString putAside = userFileName + ".unusable";
+    QFile::remove(putAside);
+    if (!QFile::rename(userFileName, putAside))
+        return problem + "; remove it";
+    return problem + QString("; it is now %1, and the plugin's own resolution is used").arg(putAside);
 }

@@ -20,6 +20,7 @@ bool isInside();
 
 constexpr char pluginDirectory[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
 constexpr char manifest[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
+constexpr char userManifest[] = "/home/user/config/plugins/sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
 constexpr char traceLevel[] = "/etc/stbjsapi_debug";
 
 } // namespace Places

@@ -4,25 +4,38 @@
 #include "TraceLevel.h"
 
 #include "Places.h"
+#include "common/other/regularfile.h"
 
 #include <QFile>
+
+#include <fcntl.h>
 
 namespace {
 
 const char callsTraced[] = "1\n";
 
+// Not through a link, which scripts of the box could have lead to a file of the PC. The plugin says what is odd.
+bool open(QFile *file, const QString &name, int flags, QIODevice::OpenMode mode)
+{
+    std::string oddity;
+    const int descriptor =
+        Common::openRegular(QFile::encodeName(name).toStdString(), flags | O_NOFOLLOW, Common::largestText, &oddity);
+    return descriptor >= 0 && file->open(descriptor, mode, QFile::AutoCloseHandle);
+}
+
 std::optional<QByteArray> read(const QString &name)
 {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!open(&file, name, O_RDONLY, QIODevice::ReadOnly))
         return std::nullopt;
     return file.readAll();
 }
 
 bool write(const QString &name, const QByteArray &content)
 {
-    QFile file(name);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+    QFile file;
+    return open(&file, name, O_WRONLY | O_CREAT, QIODevice::WriteOnly) && file.resize(0)
+        && file.write(content) == content.size() && file.flush();
 }
 
 } // namespace

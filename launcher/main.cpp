@@ -21,6 +21,7 @@
 #include <QFile>
 
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -168,6 +169,7 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
 
 int main(int argc, char **argv)
 {
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond what a file may have is one that fails
     if (argc < 2 || std::strcmp(argv[1], insideArgument) != 0)
         return runOutside(argc, argv);
     QStringList nextArguments;

@@ -363,7 +363,7 @@ void TestManifest::anOddFileIsNoManifest()
 {
     QFETCH(const int, kind);
     QFETCH(const QString, what);
-    QVERIFY(OddFile::put(pluginManifest, OddFile::Kind(kind)));
+    QVERIFY(OddFile::put(fromOutside(pluginManifest), OddFile::Kind(kind)));
     {
         const MessageLog log;
         QCOMPARE(changedFields(PluginConfigParser(QDir(pluginDir))), QVariantMap({{"valid", false}}));
@@ -371,8 +371,8 @@ void TestManifest::anOddFileIsNoManifest()
         QCOMPARE(log.warnings().size(), 1);
         QVERIFY(log.warnings().constFirst().startsWith(pluginManifest + QString(" is ") + what));
     }
-    QFile::remove(pluginManifest);
-    QDir().rmdir(pluginManifest);
+    QFile::remove(fromOutside(pluginManifest));
+    QDir().rmdir(fromOutside(pluginManifest));
     writeBoxFile(pluginManifest, manifest("<a type='homepage' src='h'/>"));
     QVERIFY(OddFile::put(userManifest, OddFile::Kind(kind)));
     const MessageLog log;
