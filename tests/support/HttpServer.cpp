@@ -43,7 +43,8 @@ QByteArray headOf(const HttpServer::Page &page)
 
 } // namespace
 
-HttpServer::HttpServer()
+HttpServer::HttpServer(const QHostAddress &address)
+    : m_address(address)
 {
     m_clock.start();
     connect(&m_server, &QTcpServer::newConnection, this, &HttpServer::accept);
@@ -52,7 +53,7 @@ HttpServer::HttpServer()
 
 QUrl HttpServer::url(const QString &path) const
 {
-    return QUrl(QString("http://127.0.0.1:%1%2").arg(m_port).arg(path));
+    return QUrl(QString("http://%1:%2%3").arg(m_address.toString()).arg(m_port).arg(path));
 }
 
 void HttpServer::serve(const QByteArray &path, const Page &page)
@@ -87,14 +88,14 @@ void HttpServer::refuse()
 {
     m_server.close();
     // Bound, but not listening: the system refuses connections and gives the port to nobody else.
-    if (!m_reservation.bind(QHostAddress::LocalHost, m_port, QAbstractSocket::ReuseAddressHint))
+    if (!m_reservation.bind(m_address, m_port, QAbstractSocket::ReuseAddressHint))
         qFatal("Cannot keep port %d: %s", m_port, qPrintable(m_reservation.errorString()));
 }
 
 void HttpServer::listen()
 {
     m_reservation.abort();
-    if (!m_server.listen(QHostAddress::LocalHost, m_port))
+    if (!m_server.listen(m_address, m_port))
         qFatal("Cannot listen on port %d: %s", m_port, qPrintable(m_server.errorString()));
     m_port = m_server.serverPort();
 }

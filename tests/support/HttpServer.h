@@ -9,8 +9,8 @@
 #include <QTcpSocket>
 #include <QUrl>
 
-/// A web server on 127.0.0.1 for one test, in the test's own thread, that can also fail in all the ways that matter to
-/// a browser. Every connection carries one request.
+/// A web server on 127.0.0.1, or another address of this PC, for one test, in the test's own thread, that can also fail
+/// in all the ways that matter to a browser. Every connection carries one request.
 class HttpServer : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ public:
     };
 
     /// Listens on a port of its own.
-    HttpServer();
+    explicit HttpServer(const QHostAddress &address = QHostAddress::LocalHost);
 
     QUrl url(const QString &path = "/") const;
     quint16 port() const { return m_port; }
@@ -67,6 +67,7 @@ private:
     void answer(QTcpSocket *socket, const QByteArray &path);
     void sendSlowly(QTcpSocket *socket, const Page &page, int sent);
 
+    const QHostAddress m_address;
     QTcpServer m_server;
     QTcpSocket m_reservation; // holds the port while the server does not
     QElapsedTimer m_clock;
