@@ -11,6 +11,7 @@
 #include "Report.h"
 #include "ScreenshotFile.h"
 #include "TraceLevel.h"
+#include "net/NetGuard.h"
 #include "platform/desktop/DeskBox.h"
 #include "shell/CStbApplication.h"
 
@@ -48,6 +49,7 @@ int Desk::run()
     const QString problem = Manifest::checkResolution(Places::manifest, Places::userManifest);
     if (!problem.isEmpty())
         report(problem);
+    guardNetwork();
     QString error;
     if (!m_plugin.load(Places::plugin(), &error)) {
         report(error);
@@ -83,6 +85,14 @@ void Desk::connectParts()
     m_end.setSingleShot(true);
     connect(&m_end, &QTimer::timeout, this, [this] { leave(ExitStatus::Done); });
     connect(&m_keys, &KeyScript::pressed, this, [this](const Key &key) { m_window->press(key); });
+}
+
+void Desk::guardNetwork()
+{
+    NetGuard *guard = NetGuard::start(m_options.allowNet);
+    connect(&m_plugin, &PluginHost::opening, guard, &NetGuard::setFirstPage);
+    connect(guard, &NetGuard::refused, &m_plugin, &PluginHost::warn, Qt::QueuedConnection);
+    connect(&m_plugin, &PluginHost::pageLoaded, guard, &NetGuard::tellAgain);
 }
 
 void Desk::showWindow()

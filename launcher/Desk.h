@@ -40,6 +40,7 @@ public:
 
 private:
     void connectParts();
+    void guardNetwork();
     void showWindow();
     void startPlugin();
     void showRemoteControl();

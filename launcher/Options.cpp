@@ -6,6 +6,7 @@
 #include "ExitStatus.h"
 #include "KeyScript.h"
 #include "Report.h"
+#include "net/AllowedHost.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -77,6 +78,16 @@ void readShared(const QCommandLineParser &parser, const QCommandLineOption &opti
     }
 }
 
+QStringList readAllowedHosts(const QStringList &texts)
+{
+    for (const QString &text : texts) {
+        if (!AllowedHost::parse(text))
+            refuse(
+                QString("--allow-net \"%1\" is not a host such as 192.168.1.5, nas.local or nas.local:8080").arg(text));
+    }
+    return texts;
+}
+
 QString readScreenshot(const QString &text)
 {
     const QFileInfo file(QDir::current(), text);
@@ -120,6 +131,9 @@ Options Options::fromCommandLine()
                                           "box: pages find the web engine of a box, and are told what it lacks; "
                                           "pc: they find all that the PC's engine has.",
                                           "box|pc", "box");
+    const QCommandLineOption allowNetOption(
+        "allow-net", "A host of your network, or this PC, that pages from elsewhere may reach too. Can be repeated.",
+        "HOST[:PORT]");
     const QCommandLineOption remoteOption("remote", "Shows a remote control.");
     const QCommandLineOption inspectorOption("inspector", "Shows the web inspector.");
     const QCommandLineOption keepRunningOption("keep-running", "Starts the box again after a crash.");
@@ -129,9 +143,25 @@ Options Options::fromCommandLine()
     QCommandLineOption channelOption("channel", {}, "NUMBER", "-1");
     for (QCommandLineOption *option : {&insideOption, &portalOption, &screenshotDescriptorOption, &channelOption})
         option->setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({helpOption, boxOption, shareOption, shareWritableOption, headlessOption, screenshotOption,
-                       exitOption, keysOption, modelOption, traceOption, sizeOption, engineOption, remoteOption,
-                       inspectorOption, keepRunningOption, insideOption, portalOption, screenshotDescriptorOption,
+    parser.addOptions({helpOption,
+                       boxOption,
+                       shareOption,
+                       shareWritableOption,
+                       headlessOption,
+                       screenshotOption,
+                       exitOption,
+                       keysOption,
+                       modelOption,
+                       traceOption,
+                       sizeOption,
+                       engineOption,
+                       remoteOption,
+                       inspectorOption,
+                       keepRunningOption,
+                       allowNetOption,
+                       insideOption,
+                       portalOption,
+                       screenshotDescriptorOption,
                        channelOption});
     parser.addPositionalArgument("URL", "The page to open, an address or a file. The demonstration portal without it.",
                                  "[URL]");
@@ -163,6 +193,7 @@ Options Options::fromCommandLine()
     if (parser.isSet(sizeOption))
         options.size = readSize(parser.value(sizeOption));
     options.boxEngine = readEngine(parser.value(engineOption));
+    options.allowNet = readAllowedHosts(parser.values(allowNetOption));
     options.remote = parser.isSet(remoteOption);
     options.inspector = parser.isSet(inspectorOption);
     options.keepRunning = parser.isSet(keepRunningOption);
@@ -185,6 +216,8 @@ QStringList Options::forInside() const
     if (!boxEngine)
         arguments << "--engine"
                   << "pc";
+    for (const QString &host : allowNet)
+        arguments << "--allow-net" << host;
     if (trace)
         arguments << "--trace";
     if (remote)

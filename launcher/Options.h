@@ -26,6 +26,7 @@ struct Options
     bool remote = false;
     bool inspector = false;
     bool keepRunning = false; ///< outside, starts the box again after a crash
+    QStringList allowNet;     ///< hosts that pages from elsewhere may reach
     QString page;             ///< outside, the argument as given; inside, the address to open; empty without
     QString portal;           ///< inside, the address of the demonstration portal
     int channel = -1;         ///< inside, the descriptor of the Channel; -1 without

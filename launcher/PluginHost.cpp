@@ -60,6 +60,12 @@ void PluginHost::destroy()
     delete m_instance;
 }
 
+void PluginHost::warn(const QString &text)
+{
+    if (m_console)
+        m_console->warn(text);
+}
+
 bool PluginHost::eventFilter(QObject *object, QEvent *event)
 {
     // Before this event the child is not what it is going to be.
@@ -68,6 +74,7 @@ bool PluginHost::eventFilter(QObject *object, QEvent *event)
         if (child->inherits("QWebView")) {
             connect(child, SIGNAL(loadFinished(bool)), this, SIGNAL(pageLoaded()));
             connect(child, SIGNAL(urlChanged(QUrl)), this, SIGNAL(pageChanged(QUrl)));
+            emit opening(WebView::mainFrame(WebView::page(child))->property("requestedUrl").toUrl());
             m_console = std::make_unique<PageConsole>(child);
             if (m_hasBoxEngine) {
                 m_engine = std::make_unique<BoxEngine>(WebView::page(child));

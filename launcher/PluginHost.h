@@ -34,9 +34,15 @@ public:
     void start(const QString &directory);
     void destroy();
 
+public slots:
+    /// Writes a warning to the page's console.
+    void warn(const QString &text);
+
 signals:
     /// The plugin wants to be left. Sent from the event loop, so that it can be destroyed at once.
     void finished();
+    /// The address of the first page, before anything of it has come.
+    void opening(const QUrl &page);
     /// The plugin has set itself up, and begins to load its first page.
     void started();
     /// A page is there, or has failed.

@@ -85,7 +85,7 @@ void TestKavroBoxOptions::helpListsTheOptions()
     for (const char *option :
          {"--box <DIR>", "--share <FOLDER>", "--share-rw <FOLDER>", "--headless", "--screenshot <FILE>",
           "--exit-after <SECONDS>", "--keys <KEYS>", "--model <TEXT>", "--trace", "--size <WxH>", "--engine <box|pc>",
-          "--remote", "--inspector", "--keep-running", "[URL]"})
+          "--allow-net <HOST[:PORT]>", "--remote", "--inspector", "--keep-running", "[URL]"})
         QVERIFY2(m_program->output().contains(option), option);
     for (const char *option : {"--inside", "--portal", "--screenshot-descriptor", "--channel"})
         QVERIFY2(!m_program->output().contains(option), option);
@@ -109,6 +109,10 @@ void TestKavroBoxOptions::wrongUsageIsRefusedInOneLine_data()
     QTest::newRow("size of nothing") << QStringList{"--size", "0x0"} << QByteArray("--size \"0x0\"");
     QTest::newRow("engine of neither") << QStringList{"--engine", "chromium"}
                                        << QByteArray("--engine \"chromium\" is neither box nor pc");
+    QTest::newRow("host that is none") << QStringList{"--allow-net", "nas.lan", "--allow-net", "http://nas.lan/"}
+                                       << QByteArray("--allow-net \"http://nas.lan/\" is not a host");
+    QTest::newRow("host without its port")
+        << QStringList{"--allow-net", "nas.lan:"} << QByteArray("--allow-net \"nas.lan:\" is not a host");
     QTest::newRow("unknown key") << QStringList{"--keys", "Up Dwon"} << QByteArray("--keys \"Dwon\"");
     QTest::newRow("shared folder that is none")
         << QStringList{"--share", "/nonexistent"} << QByteArray("--share \"/nonexistent\" is not a folder");
