@@ -7,12 +7,12 @@
 #include "browser/CaBundle.h"
 #include "browser/DeleteGuard.h"
 #include "browser/EventNotifier.h"
+#include "browser/FrameGuards.h"
 #include "browser/JsApiTracer.h"
 #include "browser/PageEvents.h"
 #include "browser/PageGuards.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
-#include "browser/WorkerRemover.h"
 #include "common/other/plainfile.h"
 #include "common/other/qtcompat.h"
 #include "common/other/tools.h"
@@ -182,7 +182,7 @@ void KavroStbBrowser::connectPageToPlatform()
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
     if (QtCompat::engineNeedsGuards)
-        new WorkerRemover(page());
+        new FrameGuards(page());
     connect(media, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(deprecatedMedia, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }

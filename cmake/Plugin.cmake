@@ -14,6 +14,7 @@ add_library(kavrostbbrowser MODULE
     browser/DeleteGuard.cpp
     browser/EventNotifier.cpp
     browser/FileGuard.cpp
+    browser/FrameGuards.cpp
     browser/JsApiTracer.cpp
     browser/KavroStbBrowser.cpp
     browser/PageEvents.cpp
@@ -25,7 +26,6 @@ add_library(kavrostbbrowser MODULE
     browser/ScriptRelay.cpp
     browser/StbWebNam.cpp
     browser/UserAgentWebPage.cpp
-    browser/WorkerRemover.cpp
     config/DirectfbrcParser.cpp
     config/PluginConfigParser.cpp
     config/SystemSettings.cpp

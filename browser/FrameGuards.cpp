@@ -1,0 +1,35 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "browser/FrameGuards.h"
+
+#include "browser/PageScript.h"
+
+#include <QUndoStack>
+#include <QWebFrame>
+#include <QWebPage>
+
+FrameGuards::FrameGuards(QWebPage *page)
+    : QObject(page)
+{
+    connect(page->undoStack(), SIGNAL(indexChanged(int)), SLOT(forgetEdits()));
+    watch(page->mainFrame());
+    connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watch(QWebFrame *)));
+}
+
+// An edit that is undone, or done again, can bring a frame back, and the engine clears the stack for each frame that is
+// loaded: the edit would be deleted while it is at work. So there never is one to undo, for keys and frames neither.
+void FrameGuards::forgetEdits()
+{
+    static_cast<QUndoStack *>(sender())->clear();
+}
+
+void FrameGuards::watch(QWebFrame *frame)
+{
+    connect(frame, SIGNAL(javaScriptWindowObjectCleared()), SLOT(runScript()));
+}
+
+void FrameGuards::runScript()
+{
+    static_cast<QWebFrame *>(sender())->evaluateJavaScript(pageScript("frames"));
+}
