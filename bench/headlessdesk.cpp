@@ -4,7 +4,10 @@
 // The desk box as kavro-box --headless runs it inside its box, with the same options. Prints how many of the player's
 // pictures it showed a second.
 
+#include "launcher/Channel.h"
 #include "launcher/Desk.h"
+#include "launcher/Manifest.h"
+#include "launcher/Places.h"
 #include "platform/desktop/DeskBox.h"
 
 #include <QApplication>
@@ -53,5 +56,11 @@ int main(int argc, char **argv)
     PictureCounter counter;
     application.installEventFilter(&counter);
     QObject::connect(&application, &QApplication::aboutToQuit, &counter, &PictureCounter::print);
-    return Desk(Options::fromCommandLine()).run();
+    const Options options = Options::fromCommandLine();
+    // Where it can be changed, as from outside.
+    const QString error = Manifest::setHomePage(qEnvironmentVariable("KAVRO_BOX") + Places::manifest, options.page, {});
+    if (!error.isEmpty())
+        qFatal("%s", qPrintable(error));
+    Channel channel(-1);
+    return Desk(options, &channel).run();
 }

@@ -8,9 +8,11 @@
 #include "NetGuard.h"
 
 #include <cerrno>
+#include <cstddef>
 
 #include <dlfcn.h>
 #include <netdb.h>
+#include <sys/un.h>
 
 namespace {
 
@@ -29,6 +31,12 @@ bool permits(const sockaddr *address, socklen_t length)
     return false;
 }
 
+bool isAbstract(const sockaddr *address, socklen_t length)
+{
+    const size_t name = offsetof(sockaddr_un, sun_path);
+    return address->sa_family == AF_UNIX && length > name && reinterpret_cast<const char *>(address)[name] == '\0';
+}
+
 bool permits(const msghdr &message)
 {
     return permits(static_cast<const sockaddr *>(message.msg_name), message.msg_namelen);
@@ -41,7 +49,12 @@ extern "C" {
 int connect(int socket, const sockaddr *address, socklen_t length)
 {
     static auto *const original = next<decltype(connect)>("connect");
-    return permits(address, length) ? original(socket, address, length) : -1;
+    const int result = permits(address, length) ? original(socket, address, length) : -1;
+    // The display's library looks for the server's abstract socket, which a box may not reach, and only goes on to the
+    // file if nobody listens there.
+    if (result != 0 && errno == EPERM && isAbstract(address, length))
+        errno = ECONNREFUSED;
+    return result;
 }
 
 ssize_t sendto(int socket, const void *data, size_t size, int flags, const sockaddr *address, socklen_t length)
