@@ -20,7 +20,7 @@ struct RulesetAttributes
     uint64_t scoped;
 };
 const uint64_t abstractUnixSockets = 1;
-const uint64_t signals = 2;
+const uint64_t signalsToOthers = 2;
 const long firstVersionWithScopes = 6;
 
 } // namespace
@@ -29,7 +29,7 @@ int KernelScope::restrict()
 {
     if (syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < firstVersionWithScopes)
         return 0;
-    const RulesetAttributes attributes = {0, 0, abstractUnixSockets | signals};
+    const RulesetAttributes attributes = {0, 0, abstractUnixSockets | signalsToOthers};
     const long rules = syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0);
     if (rules < 0)
         return errno;

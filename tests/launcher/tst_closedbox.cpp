@@ -206,7 +206,9 @@ void TestClosedBox::aPageReadsFilesOfTheBoxAlone()
     const QByteArray readers = contentOf(QCoreApplication::applicationDirPath() + "/readers.js");
     QCOMPARE(runAs(user, inBox, {m_box}), 0);
     writeSecrets(m_box + "/mnt/stb/own", "file");
-    const QStringList ways = {"/pc" + pc, pc, "/proc/self/root" + pc, "/proc/1/root" + pc, "/proc/self/cwd/../.." + pc};
+    QVERIFY(QFile::link(m_pc->path(), m_box + "/mnt/stb/link"));
+    const QStringList ways = {
+        "/pc" + pc, pc, "/mnt/stb/link/file", "/proc/self/root" + pc, "/proc/1/root" + pc, "/proc/self/cwd/../.." + pc};
     QStringList redirected = ways + QStringList{own};
     for (const QString &file : qAsConst(redirected)) {
         m_server->redirect("/to?file://" + file.toUtf8() + ".txt", QUrl("file://" + file + ".txt"));
@@ -217,7 +219,8 @@ void TestClosedBox::aPageReadsFilesOfTheBoxAlone()
     }
     const QByteArray files = "['" + redirected.join("', '").toUtf8() + "']";
     m_server->serve("/", page(readers + "onload = function () { readAll(" + files + "); };"));
-    QCOMPARE(runAs(user, "bin/kavro-box", {"--headless", "--engine", "pc", "--box", m_box, m_server->url().toString()}), 0);
+    QCOMPARE(runAs(user, "bin/kavro-box", {"--headless", "--engine", "pc", "--box", m_box, m_server->url().toString()}),
+             0);
 
     QStringList got = told();
     got.sort();
@@ -250,6 +253,7 @@ void TestClosedBox::aPageWritesNoFiles()
     const QString script = m_box + "/usr/local/bin/custom/hello";
     const QString manifest = m_box + "/sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
     const QByteArray scriptBefore = contentOf(script);
+    QVERIFY(QFile::link(m_pc->path(), m_box + "/mnt/stb/link"));
     const QMap<QString, QByteArray> before = outside();
     const QString pc = m_pc->path();
     const QStringList targets = {"/mnt/stb/own.txt",
@@ -279,10 +283,13 @@ onload = function () {
         write('DELETE', 'file://' + targets[i]);
         for (var j = 0; j < statuses.length; j++) write('PUT', '/' + statuses[j] + targets[i]);
     }
+    var names = ['link/record.ts', '../..%2/record.ts', '%2/record.ts', 'link/file.ts'];
+    for (i = 0; i < names.length; i++) StbPVR.AddRecord(location.href, names[i], 0, 5);
     tell(StbDisplay.ExecBlocking('hello', '').stdout.join());
-    leave();
+    leave(1000);
 };)")
-                        .replace("%1", targets.join("', '").toUtf8()));
+                        .replace("%1", targets.join("', '").toUtf8())
+                        .replace("%2", pc.toUtf8()));
     QCOMPARE(runAs(user, "bin/kavro-box", {"--headless", "--box", m_box, m_server->url().toString()}), 0);
     QCOMPARE(told().size(), 1);
     QVERIFY2(told().constFirst().startsWith("Hello from the box."), qPrintable(told().constFirst()));

@@ -35,6 +35,8 @@ private slots:
     void aBoxDirectoryThatCannotBeUsedIsRefused_data();
     void aBoxDirectoryThatCannotBeUsedIsRefused();
     void aFileAddressOfThePcNeedsItsFolderShared();
+    void aFileInPlaceOfAFolderOfTheBoxIsSaid_data();
+    void aFileInPlaceOfAFolderOfTheBoxIsSaid();
     void whatCannotBeSharedIsSaid();
     void aFullDiskIsSaid();
     void aMissingPartOfThePcIsSaid_data();
@@ -171,6 +173,23 @@ void TestKavroBoxOptions::aFileAddressOfThePcNeedsItsFolderShared()
     }
     QCOMPARE(m_program->run(m_usual + QStringList{"--share", m_folder->path(), address}), 0);
     QVERIFY2(!m_program->errors().contains("a file of the PC"), m_program->errors().constData());
+}
+
+void TestKavroBoxOptions::aFileInPlaceOfAFolderOfTheBoxIsSaid_data()
+{
+    QTest::addColumn<QString>("folder");
+    for (const char *folder : {"home/user", "mnt/stb", "etc", "sdk"})
+        QTest::newRow(folder) << QString(folder);
+}
+
+void TestKavroBoxOptions::aFileInPlaceOfAFolderOfTheBoxIsSaid()
+{
+    QFETCH(QString, folder);
+    const QString file = m_folder->filePath("box/") + folder;
+    QVERIFY(writeFile(file, "text"));
+    QCOMPARE(m_program->run(m_usual + QStringList("about:blank")), 5);
+    QVERIFY2(m_program->errors().contains(file.toUtf8() + " is not a directory; move it away"),
+             m_program->errors().constData());
 }
 
 void TestKavroBoxOptions::whatCannotBeSharedIsSaid()

@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "launcher/closed/KernelScope.h"
 #include "launcher/net/NetGuard.h"
 
 #include <QNetworkDatagram>
@@ -8,12 +9,15 @@
 #include <QUdpSocket>
 #include <QtTest>
 
+#include <algorithm>
 #include <cerrno>
 #include <functional>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <sys/prctl.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -56,6 +60,7 @@ private slots:
     void init();
     void cleanup();
 
+    void anAbstractSocketOutOfReachIsAsIfNobodyListened();
     void whatIsRefusedGetsNothing_data();
     void whatIsRefusedGetsNothing();
     void whatIsAllowedGetsAll();
@@ -114,6 +119,36 @@ QVector<QPair<const char *, TestSockets::Call>> TestSockets::calls() const
              return ssize_t(::sendmmsg(socket, &message, 1, 0));
          }},
     };
+}
+
+// So that a display's library goes on to the server's file, in a box whose kernel keeps it from abstract sockets.
+void TestSockets::anAbstractSocketOutOfReachIsAsIfNobodyListened()
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    const QByteArray name = "kavro-sockets-" + QByteArray::number(getpid());
+    std::copy(name.begin(), name.end(), address.sun_path + 1);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    QCOMPARE(bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    QCOMPARE(listen(listener, 1), 0);
+
+    const int reached = 0, refused = 1, another = 2;
+    const pid_t child = fork();
+    if (child == 0) {
+        prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        KernelScope::restrict();
+        const int end = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        if (::connect(end, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0)
+            _exit(reached);
+        _exit(errno == ECONNREFUSED ? refused : another);
+    }
+    int status = -1;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    close(listener);
+    QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == reached)
+        QSKIP("This kernel is older than 6.12 or has no Landlock; it does not keep a box from abstract sockets.");
+    QCOMPARE(WEXITSTATUS(status), refused);
 }
 
 void TestSockets::whatIsRefusedGetsNothing_data()
