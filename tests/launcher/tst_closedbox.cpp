@@ -121,7 +121,7 @@ void TestClosedBox::addUsers() const
 void TestClosedBox::install()
 {
     const QString script =
-        "mkdir -p \"$2/bin\" \"$2/lib\" \"$2/libexec\" \"$2/share/kavro\"; cp \"$1/bin/kavro-box\" "
+        "mkdir -p \"$2/bin\" \"$2/lib\" \"$2/libexec\" \"$2/share/kavro\"; cp \"$1\"/bin/kavro-* "
         "\"$2/bin\"; cp -r \"$1/lib/kavro\" \"$2/lib\"; cp -r \"$1/libexec/kavro\" \"$2/libexec\"; "
         "cp -rL \"$1/share/kavro/box\" \"$2/share/kavro\"; cp \"$3\" \"$2/bin\"; chmod -R a+rX \"$2\"";
     QProcess process;
