@@ -82,6 +82,7 @@ void PageFuzzer::start()
     m_plugin = std::make_unique<HostedPlugin>();
     if (!m_plugin->start())
         qFatal("The plugin does not start");
+    m_plugin->application()->show(); // so that pages are painted
 }
 
 QStringList PageFuzzer::members()
@@ -155,7 +156,7 @@ void PageFuzzer::act()
         Action action;
     };
     static constexpr std::array choices = {Choice{900, &PageFuzzer::runScript},   Choice{70, &PageFuzzer::fireEvents},
-                                           Choice{20, &PageFuzzer::pressKey},     Choice{10, &PageFuzzer::navigate},
+                                           Choice{80, &PageFuzzer::pressKey},     Choice{10, &PageFuzzer::navigate},
                                            Choice{3, &PageFuzzer::setTraceLevel}, Choice{1, &PageFuzzer::restart}};
     const std::array<quint32, 2> seed = {m_seed, m_actions++};
     QRandomGenerator random(seed.data(), seed.size());
@@ -195,11 +196,25 @@ void PageFuzzer::fireEvents(QRandomGenerator &random)
 
 void PageFuzzer::pressKey(QRandomGenerator &random)
 {
-    static constexpr std::array keys = {Qt::Key_Down, Qt::Key_Return, Qt::Key_Backspace,
-                                        Qt::Key_Tab,  Qt::Key_A,      Qt::Key_F1};
-    const Qt::Key key = anyOf(keys, random);
-    m_log->begin("the key " + QByteArray::number(key, 16));
-    QTest::keyClick(m_plugin->browser(), key);
+    struct Press
+    {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+    };
+    static constexpr std::array presses = {
+        Press{Qt::Key_Down, Qt::NoModifier},      Press{Qt::Key_Return, Qt::NoModifier},
+        Press{Qt::Key_Backspace, Qt::NoModifier}, Press{Qt::Key_Backspace, Qt::ControlModifier},
+        Press{Qt::Key_Delete, Qt::NoModifier},    Press{Qt::Key_Tab, Qt::NoModifier},
+        Press{Qt::Key_A, Qt::NoModifier},         Press{Qt::Key_Space, Qt::NoModifier},
+        Press{Qt::Key_Return, Qt::ShiftModifier}, Press{Qt::Key_Left, Qt::ShiftModifier},
+        Press{Qt::Key_Right, Qt::ShiftModifier},  Press{Qt::Key_Up, Qt::ShiftModifier},
+        Press{Qt::Key_End, Qt::ShiftModifier},    Press{Qt::Key_A, Qt::ControlModifier},
+        Press{Qt::Key_X, Qt::ControlModifier},    Press{Qt::Key_V, Qt::ControlModifier},
+        Press{Qt::Key_B, Qt::ControlModifier},    Press{Qt::Key_Z, Qt::ControlModifier},
+        Press{Qt::Key_Y, Qt::ControlModifier},    Press{Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier}};
+    const Press press = anyOf(presses, random);
+    m_log->begin("the key " + QKeySequence(press.key | int(press.modifiers)).toString().toUtf8());
+    QTest::keyClick(m_plugin->browser(), press.key, press.modifiers);
 }
 
 void PageFuzzer::navigate(QRandomGenerator &random)
@@ -223,7 +238,8 @@ void PageFuzzer::setTraceLevel(QRandomGenerator &random)
 
 void PageFuzzer::restart(QRandomGenerator &)
 {
-    m_log->begin("a new start of the plugin");
+    m_log->begin("the key that leaves, and a new start of the plugin");
+    QTest::keyClick(m_plugin->browser(), Qt::Key_F1);
     m_plugin.reset();
     start();
 }

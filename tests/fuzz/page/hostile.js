@@ -33,6 +33,27 @@ var hostile = (function () {
         return element;
     }
 
+    var mostElements = 500;
+    var handled = 0;
+
+    // The page stays small: its elements would soon be nested deeper than the stack goes.
+    function shrink(page) {
+        if (page.getElementsByTagName('*').length > mostElements)
+            page.body.textContent = '';
+    }
+
+    function show(html) {
+        shrink(document);
+        var place = document.createElement('div');
+        place.innerHTML = html;
+        (document.body || document.documentElement).appendChild(place);
+        return place;
+    }
+
+    function walker() {
+        return document.createTreeWalker(document, NodeFilter.SHOW_ALL, null, false);
+    }
+
     return Object.freeze({
         deepArray: function () { return nested(100000, new Date(NaN), inArray); },
         deepObject: function () { return nested(100000, new Date(NaN), inObject); },
@@ -101,6 +122,50 @@ var hostile = (function () {
                 call();
             });
             observer.observe(document, {childList: true, subtree: true});
+        },
+        show: show,
+        // The page's node of this number, as often round as it takes: an element, a text, a comment or the document.
+        // Without a list of them, whose functions a page may have changed.
+        node: function (number) {
+            var count = 1;
+            for (var all = walker(); count < mostElements && all.nextNode(); ++count) {
+            }
+            var found = walker();
+            for (var i = number % count; i > 0; --i)
+                found.nextNode();
+            return found.currentNode;
+        },
+        command: function (name, value, page) {
+            page = page || document;
+            shrink(page);
+            page.execCommand(name, false, value);
+        },
+        // As a page's own keyboard does.
+        type: function (target, text) {
+            var event = document.createEvent('TextEvent');
+            event.initTextEvent('textInput', true, true, window, text);
+            target.dispatchEvent(event);
+        },
+        // What listens to changes makes changes.
+        listen: function (target, type, call) {
+            var depth = 0;
+            target.addEventListener(type, function () {
+                if (++handled > 300 || depth > 2)
+                    return;
+                ++depth;
+                try {
+                    call();
+                } finally {
+                    --depth;
+                }
+            }, true);
+        },
+        // Elements of an <svg>, each of which may refer to itself and to what was shown before.
+        draw: function (markup) {
+            var old = document.querySelectorAll('svg');
+            for (var i = 0; i + 3 < old.length; ++i)
+                old[i].parentNode.removeChild(old[i]);
+            return show('<svg width="300" height="200">' + markup + '</svg>');
         },
         // All that an object answers to.
         walk: function (object) {
