@@ -16,7 +16,7 @@ namespace {
 
 // The sanitizers' search for leaks looks into its own process as a debugger does, and starts programs over without a
 // random address space.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(KAVRO_FOR_SANITIZERS)
 const bool isInstrumented = true;
 #else
 const bool isInstrumented = false;
