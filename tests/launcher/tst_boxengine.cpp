@@ -208,6 +208,15 @@ void TestBoxEngine::whatABoxHasStays_data()
           "typeof setTimeout === 'function'",
           "history.pushState !== undefined",
           "location.href.length > 0",
+          "screen.width > 0 && screen.availHeight > 0",
+          "locationbar.visible !== undefined",
+          "getSelection().rangeCount === 0 && getSelection().removeAllRanges() === undefined",
+          "document.createTreeWalker(document, -1, null, false).nextNode() !== null",
+          "document.createNodeIterator(document, -1, null, false).nextNode() !== null",
+          "document.createElement('canvas').getContext('2d').createLinearGradient(0, 0, 1, 1).addColorStop(0, 'red') "
+          "=== "
+          "undefined",
+          "document.createExpression('//body', null).evaluate(document, 0, null) !== null",
           "Function.prototype.apply.call(function (a) { return a; }, null, [7]) === 7",
           "(function () { return typeof arguments.callee; })() === 'function'"})
         QTest::newRow(expression) << expression;
