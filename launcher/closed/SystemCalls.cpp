@@ -85,12 +85,43 @@ void refuseNewSandboxes(Filter *filter)
 void refuseKernelServices(Filter *filter)
 {
     filter->refuse(EPERM,
-                   {"syslog", "uselib", "acct", "quotactl", "quotactl_fd", "add_key", "keyctl", "request_key",
-                    "move_pages", "mbind", "get_mempolicy", "set_mempolicy", "set_mempolicy_home_node", "migrate_pages",
-                    "modify_ldt", "bpf", "userfaultfd", "perf_event_open", "io_uring_setup", "io_uring_enter",
-                    "io_uring_register", "kexec_load", "kexec_file_load", "init_module", "finit_module", "delete_module",
-                    "swapon", "swapoff", "reboot", "settimeofday", "clock_settime", "clock_adjtime", "adjtimex",
-                    "process_vm_readv", "process_vm_writev", "kcmp", "pidfd_getfd"});
+                   {"syslog",
+                    "uselib",
+                    "acct",
+                    "quotactl",
+                    "quotactl_fd",
+                    "add_key",
+                    "keyctl",
+                    "request_key",
+                    "move_pages",
+                    "mbind",
+                    "get_mempolicy",
+                    "set_mempolicy",
+                    "set_mempolicy_home_node",
+                    "migrate_pages",
+                    "modify_ldt",
+                    "bpf",
+                    "userfaultfd",
+                    "perf_event_open",
+                    "io_uring_setup",
+                    "io_uring_enter",
+                    "io_uring_register",
+                    "kexec_load",
+                    "kexec_file_load",
+                    "init_module",
+                    "finit_module",
+                    "delete_module",
+                    "swapon",
+                    "swapoff",
+                    "reboot",
+                    "settimeofday",
+                    "clock_settime",
+                    "clock_adjtime",
+                    "adjtimex",
+                    "process_vm_readv",
+                    "process_vm_writev",
+                    "kcmp",
+                    "pidfd_getfd"});
     if (isInstrumented)
         return;
     filter->refuse(EPERM, {"ptrace"});
@@ -109,8 +140,7 @@ void refuseTerminalInput(Filter *filter)
 void refuseUnusualSockets(Filter *filter)
 {
     for (int family = 0; family <= AF_NETLINK; ++family) {
-        if (family != AF_UNSPEC && family != AF_UNIX && family != AF_INET && family != AF_INET6
-            && family != AF_NETLINK)
+        if (family != AF_UNSPEC && family != AF_UNIX && family != AF_INET && family != AF_INET6 && family != AF_NETLINK)
             filter->refuseIf(EAFNOSUPPORT, "socket", {SCMP_A0(SCMP_CMP_EQ, scmp_datum_t(family))});
     }
     filter->refuseIf(EAFNOSUPPORT, "socket", {SCMP_A0(SCMP_CMP_GT, scmp_datum_t(AF_NETLINK))});
