@@ -259,8 +259,7 @@ void TestKavroBoxPages::aMalformedManifestIsSaidAndTheBoxStarts()
     QVERIFY(writeFile(manifest(), "<m><p type='homepage'>"));
     QCOMPARE(run({"--exit-after", "0.3", m_server->url().toString()}), 0);
     QCOMPARE(contentOf(manifest()), QByteArray("<m><p type='homepage'>"));
-    QVERIFY(
-        m_program->errors().contains("kavro-box: " + manifest().toUtf8() + " is malformed ("));
+    QVERIFY(m_program->errors().contains("kavro-box: " + manifest().toUtf8() + " is malformed ("));
     QVERIFY(m_program->errors().contains("Malformed Manifest\n"));
     QCOMPARE(QImage(m_picture).size(), QSize(1920, 1080));
 }
