@@ -304,10 +304,14 @@ void TestDeskDevice::aWriteBeyondTheLimitOfFilesFails()
     const FileSizeLimit limit(4096); // of the log too
     KVR_SetBootParamValue("hdmi_config", "1");
     QCOMPARE(KVR_SyncBootParams(), int(KVR_OK));
-    const QByteArray parameters = boxFile(bootParameters);
-    for (int i = 0; i < 40; ++i)
+    QByteArray parameters;
+    int result = KVR_OK;
+    for (int i = 0; i < 40 && result == KVR_OK; ++i) {
+        parameters = boxFile(bootParameters); // what was written last
         KVR_SetBootParamValue("parameter" + QByteArray::number(i), QByteArray(200, 'x'));
-    QCOMPARE(KVR_SyncBootParams(), int(KVR_ERR_FAILED));
+        result = KVR_SyncBootParams();
+    }
+    QCOMPARE(result, int(KVR_ERR_FAILED));
     QVERIFY(!parameters.isEmpty());
     QCOMPARE(boxFile(bootParameters), parameters);
     QCOMPARE(KVR_UpgradeFirmware(server.url("/image.bin").toEncoded()), int(KVR_OK));
