@@ -19,6 +19,8 @@ int flagsOf(QIODevice::OpenMode mode)
 {
     if (!(mode & QIODevice::WriteOnly))
         return O_RDONLY;
+    if (mode & QIODevice::Append)
+        return ((mode & QIODevice::ReadOnly) ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND;
     if (!(mode & QIODevice::ReadOnly))
         return O_WRONLY | O_CREAT | O_TRUNC;
     return O_RDWR | O_CREAT | ((mode & QIODevice::Truncate) ? O_TRUNC : 0);

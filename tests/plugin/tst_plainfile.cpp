@@ -166,6 +166,12 @@ void TestPlainFile::aFileIsReadAndWritten()
         QVERIFY(!file.isSequential());
         QCOMPARE(file.readAll(), QByteArray("fire"));
     }
+    {
+        Common::PlainFile file(m_path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Append));
+        QCOMPARE(file.write("fly"), 3LL);
+    }
+    QCOMPARE(contentOf(m_path), QByteArray("firefly"));
     QVERIFY(Common::PlainFile(m_path).open(QIODevice::WriteOnly));
     QCOMPARE(contentOf(m_path), QByteArray());
 }
