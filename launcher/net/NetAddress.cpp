@@ -16,13 +16,11 @@ const std::size_t mappedPrefix = 12; // bytes
 const std::array<std::uint8_t, mappedPrefix> mapped = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
 const std::array<std::uint8_t, mappedPrefix> translated = {0, 0x64, 0xff, 0x9b}; // by a network without version 4
 
-struct Network
+const struct
 {
     const char *address;
     int bits;
-};
-
-const Network privateNetworks[] = {
+} privateNetworks[] = {
     {"0.0.0.0", 96 + 8},          // this host
     {"10.0.0.0", 96 + 8},         // private
     {"100.64.0.0", 96 + 10},      // behind a provider's translation
@@ -77,18 +75,30 @@ std::optional<NetAddress> NetAddress::fromText(const QString &text)
     return NetAddress(bytes, 0);
 }
 
-bool NetAddress::isPrivate() const
+const std::vector<NetAddress::Network> &NetAddress::privateOnes()
 {
-    return std::any_of(std::begin(privateNetworks), std::end(privateNetworks),
-                       [this](const Network &network) { return isIn(*fromText(network.address), network.bits); });
+    // Read once: a player that shares a torrent asks for each packet.
+    static const std::vector<Network> networks = [] {
+        std::vector<Network> read;
+        for (const auto &network : privateNetworks)
+            read.push_back({fromText(network.address)->m_bytes, network.bits});
+        return read;
+    }();
+    return networks;
 }
 
-bool NetAddress::isIn(const NetAddress &network, int bits) const
+bool NetAddress::isPrivate() const
 {
-    const int whole = bits / 8;
-    const int rest = 8 - bits % 8;
-    return std::equal(m_bytes.begin(), m_bytes.begin() + whole, network.m_bytes.begin())
-        && (rest == 8 || m_bytes[whole] >> rest == network.m_bytes[whole] >> rest);
+    return std::any_of(privateOnes().begin(), privateOnes().end(),
+                       [this](const Network &network) { return isIn(network); });
+}
+
+bool NetAddress::isIn(const Network &network) const
+{
+    const int whole = network.bits / 8;
+    const int rest = 8 - network.bits % 8;
+    return std::equal(m_bytes.begin(), m_bytes.begin() + whole, network.address.begin())
+        && (rest == 8 || m_bytes[whole] >> rest == network.address[whole] >> rest);
 }
 
 QString NetAddress::toString() const

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include <sys/socket.h>
 
@@ -33,8 +34,15 @@ public:
 private:
     using Bytes = std::array<std::uint8_t, 16>; // of version 6; addresses of version 4 are mapped to it
 
+    struct Network
+    {
+        Bytes address;
+        int bits; // that all of its addresses have
+    };
+
     NetAddress(const Bytes &bytes, std::uint16_t port);
-    bool isIn(const NetAddress &network, int bits) const;
+    static const std::vector<Network> &privateOnes();
+    bool isIn(const Network &network) const;
 
     Bytes m_bytes;
     std::uint16_t m_port;
