@@ -24,5 +24,6 @@ protected:
 private:
     void begin();
 
-    int timer; ///< 0 once the thread has begun
+    const int timer; ///< until the thread has ended
+    bool isBegun;
 };
