@@ -11,13 +11,14 @@ namespace {
 
 const char *const manifest = "sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
 const char *const userManifest = "home/user/config/plugins/sdk/qt/STBGUI_PLUGIN/stbbrowser/PluginManifest.xml";
+const char *const certificates = "etc/ssl/certs/ca-bundle.crt";
 const char *const pageDump = "tmp/page.html";
 const char *const pageLog = "tmp/jsbrowser.log";
 
 // Files that are read with any page, by the plugin or the platform library.
 const char *const readFiles[] = {"etc/settings.xml",
                                  "etc/stbjsapi_debug",
-                                 "etc/ssl/certs/ca-bundle.crt",
+                                 certificates,
                                  "home/user/config/boot_params",
                                  "home/user/config/config_files/qtstbapi.conf",
                                  "home/user/config/serial_number",
@@ -32,6 +33,19 @@ const char useOfAllFiles[] = "var player = StbMedia.CreatePlayer(); StbMedia.Clo
                              "StbDisplay.Log('a line'); StbDisplay.GetBootParamValue('dfbres');"
                              "try { var request = new XMLHttpRequest(); request.open('GET', 'https://127.0.0.1:1/',"
                              "false); request.send(); } catch (e) {}";
+
+// The toolkit looks into the certificates as well, and stops after two gigabytes of an endless device. The sanitizers
+// would need half a minute for them.
+bool isTried(const char *file, int kind)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return file != certificates || kind != OddFile::EndlessDevice;
+#else
+    Q_UNUSED(file)
+    Q_UNUSED(kind)
+    return true;
+#endif
+}
 
 } // namespace
 
@@ -90,13 +104,13 @@ void TestOddFiles::whatIsReadIsLeftOut()
     QFETCH(const int, kind);
     QFETCH(const QByteArray, what);
     for (const char *file : readFiles)
-        QVERIFY2(OddFile::put(inBox(file), OddFile::Kind(kind)), file);
+        QVERIFY2(!isTried(file, kind) || OddFile::put(inBox(file), OddFile::Kind(kind)), file);
     QVERIFY(OddFile::put(inBox("home/user/config/records.sqlite"), OddFile::Kind(kind)));
 
     QCOMPARE(run({m_server->url("/").toString()}), 0);
     QCOMPARE(told(), QStringList("alive 1280x720"));
     for (const char *file : readFiles)
-        QVERIFY2(linesAbout(file, what) == 1, file);
+        QVERIFY2(linesAbout(file, what) == int(isTried(file, kind)), file);
     QCOMPARE(m_program->errors().count("no recording schedule: /home/user/config/records.sqlite is "), 1);
     QVERIFY(!m_program->errors().contains("the page's script"));
 }
