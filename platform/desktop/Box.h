@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "BootParameters.h"
-#include "DeviceIdentity.h"
+#include "BootParameterStore.h"
+#include "BoxIdentity.h"
 #include "EventRegistry.h"
 #include "Firmware.h"
 #include "GraphicsState.h"
@@ -25,8 +25,8 @@ struct Box
     GraphicsState graphics{screen};
     Outputs outputs{events};
     PlayerTable players{events, screen, graphics};
-    DeviceIdentity identity;
-    BootParameters bootParameters{events};
+    BoxIdentity identity;
+    BootParameterStore bootParameters{events};
     Firmware firmware;
     RecordScheduler records{events};
 

@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "TaskQueue.h"
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <map>
 #include <mutex>

@@ -6,7 +6,7 @@
 #include "DiskRoom.h"
 #include "DurableFile.h"
 #include "Log.h"
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <cerrno>
 #include <cstdint>

@@ -3,8 +3,8 @@
 
 // The KVR_ functions of the device: identity, boot parameters, firmware.
 
+#include "ApiCall.h"
 #include "Box.h"
-#include "Guarded.h"
 
 using namespace Desk;
 
@@ -25,21 +25,21 @@ int KVR_GetDeviceModel(char **text)
 {
     if (!text)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return handOut(box().identity.model(), text); });
+    return apiCall(__func__, [=] { return handOut(box().identity.model(), text); });
 }
 
 int KVR_GetFirmwareVersion(char **text)
 {
     if (!text)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return handOut(DeviceIdentity::firmwareVersion(), text); });
+    return apiCall(__func__, [=] { return handOut(BoxIdentity::firmwareVersion(), text); });
 }
 
 int KVR_GetDeviceSerialNumber(char **text)
 {
     if (!text)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return handOut(box().identity.serialNumber(), text); });
+    return apiCall(__func__, [=] { return handOut(box().identity.serialNumber(), text); });
 }
 
 int KVR_GetBootParamValue(const char *key, char *buffer)
@@ -47,11 +47,11 @@ int KVR_GetBootParamValue(const char *key, char *buffer)
     if (!key || !buffer)
         return KVR_ERR_INVALID_ARGUMENT;
     *buffer = '\0';
-    return guarded(__func__, [=]() -> int {
+    return apiCall(__func__, [=]() -> int {
         const auto value = box().bootParameters.value(key);
         if (!value)
             return KVR_ERR_FAILED;
-        const std::size_t size = value->copy(buffer, BootParameters::maximumValueSize);
+        const std::size_t size = value->copy(buffer, BootParameterStore::maximumValueSize);
         buffer[size] = '\0';
         return KVR_OK;
     });
@@ -61,17 +61,17 @@ int KVR_SetBootParamValue(const char *key, const char *value)
 {
     if (!key || !value)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().bootParameters.setValue(key, value); });
+    return apiCall(__func__, [=] { return box().bootParameters.setValue(key, value); });
 }
 
 int KVR_SyncBootParams(void)
 {
-    return guarded(__func__, [] { return box().bootParameters.sync(); });
+    return apiCall(__func__, [] { return box().bootParameters.sync(); });
 }
 
 int KVR_UpgradeFirmware(const char *url)
 {
     if (!url)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().firmware.upgrade(url); });
+    return apiCall(__func__, [=] { return box().firmware.upgrade(url); });
 }

@@ -3,8 +3,8 @@
 
 // The KVR_ functions of the graphics layer, the layout and the outputs.
 
+#include "ApiCall.h"
 #include "Box.h"
-#include "Guarded.h"
 
 using namespace Desk;
 
@@ -21,21 +21,21 @@ int rearranged(int result)
 
 int KVR_SetResolution(int width, int height)
 {
-    return guarded(__func__, [=] { return rearranged(box().graphics.setResolution(width, height)); });
+    return apiCall(__func__, [=] { return rearranged(box().graphics.setResolution(width, height)); });
 }
 
 int KVR_SetGraphicsViewport(const KVR_Rect *viewport)
 {
     if (!viewport)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().graphics.setViewport(*viewport); });
+    return apiCall(__func__, [=] { return box().graphics.setViewport(*viewport); });
 }
 
 int KVR_GetGraphicsViewport(KVR_Rect *viewport)
 {
     if (!viewport)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         *viewport = box().graphics.layer().viewport;
         return KVR_OK;
     });
@@ -43,7 +43,7 @@ int KVR_GetGraphicsViewport(KVR_Rect *viewport)
 
 int KVR_SetGraphicsVisible(int visible)
 {
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         box().graphics.setVisible(visible != 0);
         return KVR_OK;
     });
@@ -51,22 +51,22 @@ int KVR_SetGraphicsVisible(int visible)
 
 int KVR_IsGraphicsVisible(void)
 {
-    return guarded(__func__, [] { return box().graphics.layer().visible ? 1 : 0; });
+    return apiCall(__func__, [] { return box().graphics.layer().visible ? 1 : 0; });
 }
 
 int KVR_SetGraphicsAlphaLevel(unsigned int alpha)
 {
-    return guarded(__func__, [=] { return box().graphics.setAlpha(alpha); });
+    return apiCall(__func__, [=] { return box().graphics.setAlpha(alpha); });
 }
 
 int KVR_GetGraphicsAlphaLevel(void)
 {
-    return guarded(__func__, [] { return box().graphics.layer().alpha; });
+    return apiCall(__func__, [] { return box().graphics.layer().alpha; });
 }
 
 int KVR_SetChromaKey(KVR_Color color)
 {
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         box().graphics.setChromaKey(color);
         return KVR_OK;
     });
@@ -76,7 +76,7 @@ int KVR_GetChromaKey(KVR_Color *color)
 {
     if (!color)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         *color = box().graphics.layer().chromaKey;
         return KVR_OK;
     });
@@ -84,7 +84,7 @@ int KVR_GetChromaKey(KVR_Color *color)
 
 int KVR_SetChromaKeyEnable(int enable)
 {
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         box().graphics.setChromaKeyEnabled(enable != 0);
         return KVR_OK;
     });
@@ -92,44 +92,44 @@ int KVR_SetChromaKeyEnable(int enable)
 
 int KVR_IsChromaKeyEnable(void)
 {
-    return guarded(__func__, [] { return box().graphics.layer().chromaKeyEnabled ? 1 : 0; });
+    return apiCall(__func__, [] { return box().graphics.layer().chromaKeyEnabled ? 1 : 0; });
 }
 
 int KVR_SetCurrentLayout(int layout)
 {
-    return guarded(__func__, [=] { return rearranged(box().graphics.setLayout(layout)); });
+    return apiCall(__func__, [=] { return rearranged(box().graphics.setLayout(layout)); });
 }
 
 int KVR_GetCurrentLayout(void)
 {
-    return guarded(__func__, [] { return box().graphics.layout(); });
+    return apiCall(__func__, [] { return box().graphics.layout(); });
 }
 
 int KVR_SwitchToNextLayout(void)
 {
-    return guarded(__func__, [] { return rearranged(box().graphics.switchToNextLayout()); });
+    return apiCall(__func__, [] { return rearranged(box().graphics.switchToNextLayout()); });
 }
 
 int KVR_SetOrder(const int *order, int count)
 {
     if (count < 0 || (!order && count > 0))
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().players.setOrder(std::vector<int>(order, order + count)); });
+    return apiCall(__func__, [=] { return box().players.setOrder(std::vector<int>(order, order + count)); });
 }
 
 int KVR_GetOrder(int **order, int *count)
 {
     if (!order || !count)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return newArray(box().players.order(), order, count); });
+    return apiCall(__func__, [=] { return newArray(box().players.order(), order, count); });
 }
 
 int KVR_IsOutportsEnabled(void)
 {
-    return guarded(__func__, [] { return box().outputs.enabled() ? 1 : 0; });
+    return apiCall(__func__, [] { return box().outputs.enabled() ? 1 : 0; });
 }
 
 int KVR_GetHdmiState(void)
 {
-    return guarded(__func__, [] { return static_cast<int>(box().outputs.hdmiState()); });
+    return apiCall(__func__, [] { return static_cast<int>(box().outputs.hdmiState()); });
 }

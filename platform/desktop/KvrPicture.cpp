@@ -105,5 +105,5 @@ int KVR_SetPlayerDisplayMode(KVR_ID id, int mode)
 
 int KVR_GetPlayerDisplayMode(KVR_ID id)
 {
-    return withPlayer(__func__, id, [](Player &player) { return player.displayMode(); });
+    return withPlayer(__func__, id, [](Player &player) { return player.status().displayMode; });
 }

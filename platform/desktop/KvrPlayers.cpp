@@ -42,17 +42,17 @@ double seconds(long long milliseconds)
 
 KVR_ID KVR_CreatePlayer(void)
 {
-    return guarded(__func__, [] { return box().players.create(); });
+    return apiCall(__func__, [] { return box().players.create(); });
 }
 
 int KVR_ClosePlayer(KVR_ID id)
 {
-    return guarded(__func__, [=] { return box().players.close(id); });
+    return apiCall(__func__, [=] { return box().players.close(id); });
 }
 
 int KVR_GetPlayersCount(void)
 {
-    return guarded(__func__, [] { return box().players.count(); });
+    return apiCall(__func__, [] { return box().players.count(); });
 }
 
 int KVR_GetPlayerState(KVR_ID id)

@@ -3,8 +3,8 @@
 
 // The KVR_ functions of recordings.
 
+#include "ApiCall.h"
 #include "Box.h"
-#include "Guarded.h"
 
 using namespace Desk;
 
@@ -28,7 +28,7 @@ KVR_ID KVR_AddRecord(const char *url, const char *file, uint32_t start, int dura
 {
     if (!url || !*url || !file || duration <= 0)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         Record record;
         record.url = url;
         record.file = file;
@@ -42,7 +42,7 @@ int KVR_GetRecordsList(KVR_Record **records, int *count)
 {
     if (!records || !count)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         std::vector<KVR_Record> entries;
         for (const Record &record : box().records.all())
             entries.push_back(entryOf(record));
@@ -52,7 +52,7 @@ int KVR_GetRecordsList(KVR_Record **records, int *count)
 
 int KVR_GetRecordStatus(KVR_ID id)
 {
-    return guarded(__func__, [=]() -> int {
+    return apiCall(__func__, [=]() -> int {
         const auto record = box().records.find(id);
         return record ? static_cast<int>(record->state) : KVR_ERR_INVALID_ID;
     });
@@ -60,35 +60,35 @@ int KVR_GetRecordStatus(KVR_ID id)
 
 int KVR_SetRecordStartTime(KVR_ID id, uint32_t start)
 {
-    return guarded(__func__, [=] { return box().records.setStart(id, start); });
+    return apiCall(__func__, [=] { return box().records.setStart(id, start); });
 }
 
 int KVR_SetRecordDuration(KVR_ID id, int duration)
 {
     if (duration <= 0)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().records.setDuration(id, duration); });
+    return apiCall(__func__, [=] { return box().records.setDuration(id, duration); });
 }
 
 int KVR_SetRecordFilename(KVR_ID id, const char *file)
 {
     if (!file)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().records.setFile(id, file); });
+    return apiCall(__func__, [=] { return box().records.setFile(id, file); });
 }
 
 int KVR_SetRecordUrl(KVR_ID id, const char *url)
 {
     if (!url || !*url)
         return KVR_ERR_INVALID_ARGUMENT;
-    return guarded(__func__, [=] { return box().records.setUrl(id, url); });
+    return apiCall(__func__, [=] { return box().records.setUrl(id, url); });
 }
 
 const char *KVR_GetRecordFilename(KVR_ID id)
 {
     static thread_local std::string name;
     name.clear();
-    guarded(__func__, [=] {
+    apiCall(__func__, [=] {
         if (const auto record = box().records.find(id))
             name = record->file;
         return KVR_OK;
@@ -98,17 +98,17 @@ const char *KVR_GetRecordFilename(KVR_ID id)
 
 int KVR_CleanUpRecords(void)
 {
-    return guarded(__func__, [] { return box().records.cleanUp(); });
+    return apiCall(__func__, [] { return box().records.cleanUp(); });
 }
 
 int KVR_DeleteRecord(KVR_ID id)
 {
-    return guarded(__func__, [=] { return box().records.remove(id); });
+    return apiCall(__func__, [=] { return box().records.remove(id); });
 }
 
 int KVR_SetRecordsSharedCallback(KVR_EventHandler handler)
 {
-    return guarded(__func__, [=] {
+    return apiCall(__func__, [=] {
         const int result = box().events.add(KVR_BOX, KVR_EVENT_RECORDS, handler);
         box().records.start();
         return result;
@@ -117,5 +117,5 @@ int KVR_SetRecordsSharedCallback(KVR_EventHandler handler)
 
 int KVR_CleanRecordsSharedCallback(void)
 {
-    return guarded(__func__, [] { return box().events.remove(KVR_BOX, KVR_EVENT_RECORDS); });
+    return apiCall(__func__, [] { return box().events.remove(KVR_BOX, KVR_EVENT_RECORDS); });
 }

@@ -100,6 +100,27 @@ void MpvCore::command(const std::vector<std::string> &words)
     count(mpv_command_async(m_handle, 0, arguments.data()));
 }
 
+void MpvCore::selectTrack(TrackKind kind, int number)
+{
+    const char *property = kind == TrackKind::Video ? "vid" : kind == TrackKind::Audio ? "aid" : "sid";
+    set(property, number > 0 ? std::to_string(number) : "no");
+}
+
+void MpvCore::showTeletext(bool visible, int trackNumber, int page)
+{
+    // Choosing the track anew makes its decoder take over the page.
+    set("teletext-page", std::to_string(page));
+    set("secondary-sid", "no");
+    if (visible && trackNumber > 0)
+        set("secondary-sid", std::to_string(trackNumber));
+}
+
+void MpvCore::setDisplayMode(int mode)
+{
+    set("keepaspect", mode != KVR_DISPLAY_STRETCH);
+    set("panscan", mode == KVR_DISPLAY_CROP ? 1.0 : 0.0);
+}
+
 void MpvCore::addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open)
 {
     const int result = mpv_stream_cb_add_ro(m_handle, scheme, source, open);

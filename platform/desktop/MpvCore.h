@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "TrackList.h"
+
 #include <cstdint>
 #include <mpv/client.h>
 #include <mpv/stream_cb.h>
@@ -12,7 +14,7 @@
 
 namespace Desk {
 
-/// One player core of libmpv. Its requests are queued and never wait. All but wakeUp() belongs to one thread.
+/// One player core of libmpv. Its orders are queued and never wait. All but wakeUp() belongs to one thread.
 class MpvCore
 {
 public:
@@ -33,6 +35,11 @@ public:
     void set(const char *property, bool value);
     void set(const char *property, double value);
     void command(const std::vector<std::string> &words);
+
+    /// number: Track::number of a track of this kind, 0 for none.
+    void selectTrack(TrackKind kind, int number);
+    void showTeletext(bool visible, int trackNumber, int page);
+    void setDisplayMode(int mode);
 
     /// Has addresses of this scheme opened by a function, on a thread of the core's, with source as its first argument.
     /// Throws std::runtime_error when the core does not take it.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "Multicast.h"
+#include "Address.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -19,21 +20,13 @@ bool isMulticast(const std::string &host)
 
 } // namespace
 
-std::string Desk::multicastGroup(const std::string &address)
+std::string Desk::multicastGroup(const std::string &text)
 {
-    const std::size_t scheme = address.find("://");
-    if (scheme == std::string::npos
-        || (address.compare(0, scheme, "udp") != 0 && address.compare(0, scheme, "rtp") != 0))
+    const Address address(text);
+    if (address.scheme() != "udp" && address.scheme() != "rtp")
         return {};
-    std::string authority = address.substr(scheme + 3);
-    authority = authority.substr(0, authority.find_first_of("/?#"));
-    const std::size_t at = authority.rfind('@');
-    if (at != std::string::npos)
-        authority.erase(0, at + 1);
-
-    const std::size_t colon = authority.rfind(':');
-    std::string host = authority.substr(0, colon);
+    std::string host = address.host();
     if (host.size() > 2 && host.front() == '[' && host.back() == ']')
         host = host.substr(1, host.size() - 2);
-    return isMulticast(host) ? authority : std::string();
+    return isMulticast(host) ? address.hostAndPort() : std::string();
 }

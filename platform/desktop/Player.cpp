@@ -18,12 +18,12 @@ constexpr int firstTeletextPage = 100;
 constexpr int lastTeletextPage = 899;
 
 // The number by which the core knows the chosen track: 0 for none, negative for a track that there is not.
-int playerIdOf(const PlayerStatus &status, TrackKind kind, int pid)
+int trackNumberOf(const PlayerStatus &status, TrackKind kind, int pid)
 {
     if (pid == -1)
         return 0;
     const Track *track = status.tracks->find(kind, pid);
-    return track ? track->playerId : -1;
+    return track ? track->number : -1;
 }
 
 } // namespace
@@ -40,34 +40,58 @@ Player::~Player()
         m_thread->close();
 }
 
+// The changes of a status and the orders that come with them have one order, under the model's lock. change gets the
+// status and gives a result code.
+template <typename Change>
+int Player::change(Change change)
+{
+    return m_model->change(change);
+}
+
+// The same of a player that has something open.
+template <typename Change>
+int Player::changeOpened(Change change)
+{
+    return m_model->change(
+        [&](PlayerStatus &status) { return status.loaded ? change(status) : KVR_ERR_INVALID_STATE; });
+}
+
 void Player::post(PlayerThread::Task task)
 {
     if (m_thread)
         m_thread->post(std::move(task));
 }
 
+void Player::orderSession(std::function<void(PlaySession &)> order)
+{
+    post([order = std::move(order)](Playback &playback) { playback.order(order); });
+}
+
+void Player::orderCore(std::function<void(MpvCore &)> order)
+{
+    post([order = std::move(order)](Playback &playback) { order(playback.core()); });
+}
+
 int Player::play(const PlayRequest &request)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_thread || m_thread->hasFailed()) {
-        auto thread = std::make_shared<PlayerThread>(m_model, m_window);
-        thread->start();
-        m_thread = std::move(thread);
-        post([mode = m_displayMode](Playback &playback) { playback.setDisplayMode(mode); });
-    }
-    return m_model->change([&](PlayerStatus &status) {
-        status.reset(KVR_PLAYER_OPENING);
-        post([request, number = status.request](Playback &playback) { playback.open(request, number); });
+    return change([&](PlayerStatus &status) {
+        if (!m_thread || m_thread->hasFailed()) {
+            auto thread = std::make_shared<PlayerThread>(m_model, m_window);
+            thread->start();
+            m_thread = std::move(thread);
+            orderCore([mode = status.displayMode](MpvCore &core) { core.setDisplayMode(mode); });
+        }
+        status.beginSession(KVR_PLAYER_OPENING);
+        post([request, number = status.session](Playback &playback) { playback.open(request, number); });
         return KVR_OK;
     });
 }
 
 int Player::stop()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_window->setShowing(false);
-    return m_model->change([&](PlayerStatus &status) {
-        status.reset(KVR_PLAYER_IDLE);
+    return change([&](PlayerStatus &status) {
+        m_window->setShowing(false);
+        status.beginSession(KVR_PLAYER_IDLE);
         post([](Playback &playback) { playback.stop(); });
         return KVR_OK;
     });
@@ -75,110 +99,90 @@ int Player::stop()
 
 int Player::pause()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (!status.loaded)
-            return KVR_ERR_INVALID_STATE;
-        post([](Playback &playback) { playback.setPaused(true); });
+    return changeOpened([&](PlayerStatus &) {
+        orderSession([](PlaySession &session) { session.setPaused(true); });
         return KVR_OK;
     });
 }
 
 int Player::resume()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (!status.loaded)
-            return KVR_ERR_INVALID_STATE;
+    return changeOpened([&](PlayerStatus &status) {
         status.speed = 1;
-        post([](Playback &playback) { playback.setPaused(false); });
+        orderSession([](PlaySession &session) { session.setPaused(false); });
         return KVR_OK;
     });
 }
 
 int Player::nextFrame()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (!status.loaded)
-            return KVR_ERR_INVALID_STATE;
-        post([](Playback &playback) { playback.step(); });
+    return changeOpened([&](PlayerStatus &) {
+        orderSession([](PlaySession &session) { session.step(); });
         return KVR_OK;
     });
 }
 
 int Player::setPosition(long long position)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (position < 0)
-            return KVR_ERR_INVALID_ARGUMENT;
-        if (!status.loaded)
-            return KVR_ERR_INVALID_STATE;
+    if (position < 0)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return changeOpened([&](PlayerStatus &status) {
         if (!status.seekable)
             return KVR_ERR_NOT_SUPPORTED;
         const long long target = status.duration > 0 ? std::min(position, status.duration) : position;
         status.position = target;
-        post([target](Playback &playback) { playback.seek(target); });
+        orderSession([target](PlaySession &session) { session.seek(target); });
         return KVR_OK;
     });
 }
 
 int Player::setSpeed(int speed)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (speed == 0 || speed > fastest || speed < -fastest)
-            return KVR_ERR_INVALID_ARGUMENT;
-        if (!status.loaded)
-            return KVR_ERR_INVALID_STATE;
+    if (speed == 0 || speed > fastest || speed < -fastest)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return changeOpened([&](PlayerStatus &status) {
         if (speed < 0 && !status.seekable)
             return KVR_ERR_NOT_SUPPORTED;
         status.speed = speed;
-        post([speed](Playback &playback) { playback.setSpeed(speed); });
+        orderSession([speed](PlaySession &session) { session.setSpeed(speed); });
+        return KVR_OK;
+    });
+}
+
+int Player::selectTrack(TrackKind kind, int PlayerStatus::*chosen, int pid)
+{
+    return change([&](PlayerStatus &status) {
+        const int number = trackNumberOf(status, kind, pid);
+        if (number < 0)
+            return KVR_ERR_INVALID_ARGUMENT;
+        status.*chosen = pid;
+        orderCore([kind, number](MpvCore &core) { core.selectTrack(kind, number); });
         return KVR_OK;
     });
 }
 
 int Player::setAudioPid(int pid)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        const int playerId = playerIdOf(status, TrackKind::Audio, pid);
-        if (playerId < 0)
-            return KVR_ERR_INVALID_ARGUMENT;
-        status.audioPid = pid;
-        post([playerId](Playback &playback) { playback.selectTrack("aid", playerId); });
-        return KVR_OK;
-    });
+    return selectTrack(TrackKind::Audio, &PlayerStatus::audioPid, pid);
 }
 
 int Player::setSubtitlePid(int pid)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        const int playerId = playerIdOf(status, TrackKind::Subtitle, pid);
-        if (playerId < 0)
-            return KVR_ERR_INVALID_ARGUMENT;
-        status.subtitlePid = pid;
-        post([playerId](Playback &playback) { playback.selectTrack("sid", playerId); });
-        return KVR_OK;
-    });
+    return selectTrack(TrackKind::Subtitle, &PlayerStatus::subtitlePid, pid);
 }
 
 void Player::showTeletext(const PlayerStatus &status)
 {
-    const int playerId = playerIdOf(status, TrackKind::Teletext, status.teletextPid);
-    post([visible = status.teletextVisible, playerId, page = status.teletextPage](Playback &playback) {
-        playback.showTeletext(visible, playerId, page);
+    const int number = trackNumberOf(status, TrackKind::Teletext, status.teletextPid);
+    orderCore([visible = status.teletextVisible, number, page = status.teletextPage](MpvCore &core) {
+        core.showTeletext(visible, number, page);
     });
 }
 
 int Player::setTeletextPid(int pid)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (playerIdOf(status, TrackKind::Teletext, pid) < 0)
+    return change([&](PlayerStatus &status) {
+        if (trackNumberOf(status, TrackKind::Teletext, pid) < 0)
             return KVR_ERR_INVALID_ARGUMENT;
         status.teletextPid = pid;
         showTeletext(status);
@@ -188,10 +192,9 @@ int Player::setTeletextPid(int pid)
 
 int Player::setTeletextPage(int page)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (page < firstTeletextPage || page > lastTeletextPage)
-            return KVR_ERR_INVALID_ARGUMENT;
+    if (page < firstTeletextPage || page > lastTeletextPage)
+        return KVR_ERR_INVALID_ARGUMENT;
+    return change([&](PlayerStatus &status) {
         status.teletextPage = page;
         showTeletext(status);
         return KVR_OK;
@@ -200,8 +203,7 @@ int Player::setTeletextPage(int page)
 
 int Player::setTeletextVisible(bool visible)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
+    return change([&](PlayerStatus &status) {
         status.teletextVisible = visible;
         showTeletext(status);
         return KVR_OK;
@@ -210,61 +212,51 @@ int Player::setTeletextVisible(bool visible)
 
 int Player::setSubtitlesVisible(bool visible)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
+    return change([&](PlayerStatus &status) {
         status.subtitlesVisible = visible;
-        post([visible](Playback &playback) { playback.core().set("sub-visibility", visible); });
+        orderCore([visible](MpvCore &core) { core.set("sub-visibility", visible); });
         return KVR_OK;
     });
 }
 
 int Player::setVolume(int volume)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
+    return change([&](PlayerStatus &status) {
         status.volume = std::clamp(volume, 0, 100);
-        post(
-            [value = status.volume](Playback &playback) { playback.core().set("volume", static_cast<double>(value)); });
+        orderCore([value = status.volume](MpvCore &core) { core.set("volume", static_cast<double>(value)); });
         return KVR_OK;
     });
 }
 
 int Player::setMute(bool mute)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
+    return change([&](PlayerStatus &status) {
         status.mute = mute;
-        post([mute](Playback &playback) { playback.core().set("mute", mute); });
+        orderCore([mute](MpvCore &core) { core.set("mute", mute); });
         return KVR_OK;
     });
 }
 
 int Player::setZoom(double zoom)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_model->change([&](PlayerStatus &status) {
-        if (!(zoom >= smallestZoom && zoom <= largestZoom))
-            return KVR_ERR_INVALID_ARGUMENT;
+    if (!(zoom >= smallestZoom && zoom <= largestZoom))
+        return KVR_ERR_INVALID_ARGUMENT;
+    return change([&](PlayerStatus &status) {
         status.zoom = zoom;
-        post([zoom](Playback &playback) { playback.core().set("video-zoom", std::log2(zoom)); });
+        orderCore([zoom](MpvCore &core) { core.set("video-zoom", std::log2(zoom)); });
         return KVR_OK;
     });
-}
-
-int Player::displayMode() const
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_displayMode;
 }
 
 int Player::setDisplayMode(int mode)
 {
     if (mode < KVR_DISPLAY_LETTERBOX || mode > KVR_DISPLAY_CROP)
         return KVR_ERR_INVALID_ARGUMENT;
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_displayMode = mode;
-    post([mode](Playback &playback) { playback.setDisplayMode(mode); });
-    return KVR_OK;
+    return change([&](PlayerStatus &status) {
+        status.displayMode = mode;
+        orderCore([mode](MpvCore &core) { core.setDisplayMode(mode); });
+        return KVR_OK;
+    });
 }
 
 int Player::setAlpha(int alpha)

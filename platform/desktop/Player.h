@@ -22,7 +22,6 @@ public:
 
     PlayerStatus status() const { return m_model->status(); }
     PlayerWindow &window() { return *m_window; }
-    int displayMode() const;
 
     int play(const PlayRequest &request);
     int stop();
@@ -46,14 +45,21 @@ public:
     int setAlpha(int alpha);
 
 private:
-    void post(PlayerThread::Task task);
+    template <typename Change>
+    int change(Change change);
+    template <typename Change>
+    int changeOpened(Change change);
+    int selectTrack(TrackKind kind, int PlayerStatus::*chosen, int pid);
     void showTeletext(const PlayerStatus &status);
+
+    // Only within a change.
+    void post(PlayerThread::Task task);
+    void orderSession(std::function<void(PlaySession &)> order);
+    void orderCore(std::function<void(MpvCore &)> order);
 
     const std::shared_ptr<PlayerModel> m_model;
     const std::shared_ptr<PlayerWindow> m_window;
-    mutable std::mutex m_mutex;             // keeps the order of requests, of status and thread alike
-    std::shared_ptr<PlayerThread> m_thread; // from the first request on
-    int m_displayMode = KVR_DISPLAY_LETTERBOX;
+    std::shared_ptr<PlayerThread> m_thread; // from the first session on; under the model's lock
 };
 
 } // namespace Desk

@@ -3,8 +3,8 @@
 
 #pragma once
 
+#include "ApiCall.h"
 #include "Box.h"
-#include "Guarded.h"
 
 namespace Desk {
 
@@ -12,7 +12,7 @@ namespace Desk {
 template <typename Call, typename Result = int>
 Result withPlayer(const char *function, KVR_ID id, Call call, Result unknown = KVR_ERR_INVALID_ID)
 {
-    return guarded(
+    return apiCall(
         function,
         [&]() -> Result {
             const std::shared_ptr<Player> player = box().players.find(id);

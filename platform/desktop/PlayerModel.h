@@ -42,12 +42,12 @@ public:
         return result;
     }
 
-    /// A change on behalf of a request; nothing happens when a newer one has come.
+    /// A change on behalf of a session; nothing happens when a newer one has come.
     template <typename Change>
-    void changeFor(unsigned request, Change apply)
+    void changeFor(unsigned session, Change apply)
     {
         change([&](PlayerStatus &status) {
-            if (status.request == request)
+            if (status.session == session)
                 apply(status);
             return KVR_OK;
         });

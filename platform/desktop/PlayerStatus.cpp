@@ -12,14 +12,21 @@ void PlayerStatus::reset(KVR_PlayerState newState)
     const PlayerStatus kept = *this;
     *this = PlayerStatus();
     state = newState;
-    request = kept.request + 1;
+    session = kept.session;
     teletextPage = kept.teletextPage;
     subtitlesVisible = kept.subtitlesVisible;
     teletextVisible = kept.teletextVisible;
     volume = kept.volume;
     mute = kept.mute;
     zoom = kept.zoom;
+    displayMode = kept.displayMode;
     multicast = kept.multicast;
+}
+
+void PlayerStatus::beginSession(KVR_PlayerState newState)
+{
+    reset(newState);
+    ++session;
 }
 
 std::vector<int> Desk::eventsBetween(const PlayerStatus &before, const PlayerStatus &after)

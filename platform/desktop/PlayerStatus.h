@@ -13,8 +13,8 @@ namespace Desk {
 struct PlayerStatus
 {
     KVR_PlayerState state = KVR_PLAYER_IDLE;
-    /// Counts the requests to play and to stop; what belongs to an older request is out of date.
-    unsigned request = 0;
+    /// Counts what has been played and stopped; what an older session tells is out of date.
+    unsigned session = 0;
     bool loaded = false; ///< the stream is open and its tracks are known
     bool seekable = false;
     long long position = 0; ///< milliseconds
@@ -34,10 +34,14 @@ struct PlayerStatus
     int volume = 100;
     bool mute = false;
     double zoom = 1.0;
+    int displayMode = KVR_DISPLAY_LETTERBOX;
     KVR_MulticastEvent multicast = {};
 
-    /// Back to what holds before anything is loaded, for a new request.
+    /// Back to what holds before anything is loaded.
     void reset(KVR_PlayerState newState);
+
+    /// The same for a new session.
+    void beginSession(KVR_PlayerState newState);
 };
 
 /// The types of the events that tell of the difference between two states of a player.

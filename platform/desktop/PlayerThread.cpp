@@ -132,7 +132,7 @@ void PlayerThread::run()
             m_failed = true;
         }
         m_model->change([](PlayerStatus &status) {
-            status.reset(KVR_PLAYER_ERROR);
+            status.beginSession(KVR_PLAYER_ERROR);
             return KVR_OK;
         });
     }

@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "RtpStream.h"
+#include "Address.h"
 #include "MpvCore.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <cstring>
-#include <string_view>
 #include <vector>
 
 extern "C" {
@@ -19,8 +18,6 @@ using namespace Desk;
 
 namespace {
 
-constexpr std::string_view rtpScheme = "rtp";
-constexpr std::string_view udpScheme = "udp";
 constexpr char scheme[] = "kavro-rtp";
 constexpr std::size_t largestPacket = 65536; // bytes
 
@@ -96,7 +93,7 @@ RtpStream::~RtpStream() = default;
 int RtpStream::open(void *self, char *address, mpv_stream_cb_info *info)
 {
     Reader &reader = static_cast<RtpStream *>(self)->m_readers.add();
-    const std::string source = std::string(udpScheme) + std::strchr(address, ':');
+    const std::string source = Address(address).withScheme("udp");
     const AVIOInterruptCB interrupt = {Reader::isCancelled, &reader};
     if (avio_open2(&reader.io, source.c_str(), AVIO_FLAG_READ, &interrupt, nullptr) < 0) {
         reader.closed = true;
@@ -115,9 +112,8 @@ void RtpStream::install(MpvCore &core)
     core.addScheme(scheme, this, open);
 }
 
-std::string RtpStream::addressFor(const std::string &address)
+std::string RtpStream::addressFor(const std::string &text)
 {
-    const std::size_t colon = address.find("://");
-    const bool ours = colon != std::string::npos && address.compare(0, colon, rtpScheme) == 0;
-    return ours ? scheme + address.substr(colon) : address;
+    const Address address(text);
+    return address.scheme() == "rtp" ? address.withScheme(scheme) : address.text();
 }

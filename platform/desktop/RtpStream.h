@@ -24,7 +24,7 @@ public:
 
     void install(MpvCore &core);
 
-    /// The address by which the core reads what an address of RTP stands for; any other address as it is.
+    /// The address by which the core reads what an address stands for.
     static std::string addressFor(const std::string &address);
 
 private:

@@ -81,7 +81,7 @@ Track trackOf(const mpv_node &node)
 
     Track track;
     track.kind = kindOf(text(node, "type"), codec);
-    track.playerId = number(node, "id");
+    track.number = number(node, "id");
     track.selected = flag(node, "selected");
     track.external = flag(node, "external");
     track.entry.id = number(node, "src-id");

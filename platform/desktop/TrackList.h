@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <mpv/client.h>
 #include <vector>
@@ -15,7 +15,7 @@ enum class TrackKind { Video, Audio, Subtitle, Teletext };
 struct Track
 {
     TrackKind kind = TrackKind::Video;
-    int playerId = 0; ///< the number by which the player core chooses it, among those of its kind
+    int number = 0; ///< by which the player core chooses it, among those of its kind
     bool selected = false;
     bool external = false; ///< from a file of its own
     KVR_Track entry = {};  ///< as the KVR_ functions hand it out

@@ -14,12 +14,12 @@
 namespace Desk {
 
 /// The boot parameters: in memory, and in a file of the box with one "key=value" a line. A thread of its own writes it.
-class BootParameters
+class BootParameterStore
 {
 public:
     static constexpr std::size_t maximumValueSize = 255;
 
-    explicit BootParameters(EventRegistry &events);
+    explicit BootParameterStore(EventRegistry &events);
 
     std::optional<std::string> value(const std::string &key);
     int setValue(const std::string &key, const std::string &value);

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BootParameters.h"
+#include "BootParameterStore.h"
 #include "BoxPaths.h"
 #include "DurableFile.h"
 #include "Log.h"
@@ -49,12 +49,12 @@ std::string unescaped(const std::string &text)
 
 } // namespace
 
-BootParameters::BootParameters(EventRegistry &events)
+BootParameterStore::BootParameterStore(EventRegistry &events)
     : m_events(events)
 {
 }
 
-std::optional<std::string> BootParameters::value(const std::string &key)
+std::optional<std::string> BootParameterStore::value(const std::string &key)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     load();
@@ -62,7 +62,7 @@ std::optional<std::string> BootParameters::value(const std::string &key)
     return found == m_values.end() ? std::nullopt : std::make_optional(found->second);
 }
 
-int BootParameters::setValue(const std::string &key, const std::string &value)
+int BootParameterStore::setValue(const std::string &key, const std::string &value)
 {
     if (key.empty() || value.size() > maximumValueSize)
         return KVR_ERR_INVALID_ARGUMENT;
@@ -74,7 +74,7 @@ int BootParameters::setValue(const std::string &key, const std::string &value)
     return KVR_OK;
 }
 
-int BootParameters::sync()
+int BootParameterStore::sync()
 {
     m_writer.post([this] { save(); });
     m_writer.drain();
@@ -85,7 +85,7 @@ int BootParameters::sync()
     return KVR_OK;
 }
 
-void BootParameters::load()
+void BootParameterStore::load()
 {
     if (m_loaded)
         return;
@@ -105,7 +105,7 @@ void BootParameters::load()
             + " more lines like it");
 }
 
-void BootParameters::save()
+void BootParameterStore::save()
 {
     std::string content;
     {

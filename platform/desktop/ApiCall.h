@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Log.h"
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,7 +17,7 @@ namespace Desk {
 
 /// Runs the body of a KVR_ function: no exception crosses the C interface, it becomes a line in the log and failure.
 template <typename Body, typename Result = int>
-Result guarded(const char *function, Body body, Result failure = KVR_ERR_FAILED)
+Result apiCall(const char *function, Body body, Result failure = KVR_ERR_FAILED)
 {
     try {
         return body();

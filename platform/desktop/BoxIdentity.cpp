@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "DeviceIdentity.h"
+#include "BoxIdentity.h"
 #include "BoxPaths.h"
 #include "DurableFile.h"
 
@@ -9,24 +9,24 @@
 
 using namespace Desk;
 
-std::string DeviceIdentity::model() const
+std::string BoxIdentity::model() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_model;
 }
 
-void DeviceIdentity::setModel(const std::string &model)
+void BoxIdentity::setModel(const std::string &model)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_model = model;
 }
 
-std::string DeviceIdentity::firmwareVersion()
+std::string BoxIdentity::firmwareVersion()
 {
     return KAVRO_VERSION;
 }
 
-std::string DeviceIdentity::serialNumber()
+std::string BoxIdentity::serialNumber()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_serialNumber)

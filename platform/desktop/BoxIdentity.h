@@ -10,7 +10,7 @@
 namespace Desk {
 
 /// Who the box says it is.
-class DeviceIdentity
+class BoxIdentity
 {
 public:
     std::string model() const;

@@ -1,0 +1,49 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "TrackList.h"
+
+#include <memory>
+#include <string>
+
+namespace Desk {
+
+/// What a player core reports, in the words of a player. All of it is called on the player's thread.
+class CoreListener
+{
+public:
+    virtual ~CoreListener() = default;
+
+    /// An address is an entry of the core's list now, under this number.
+    virtual void entryAdded(long long entry) = 0;
+    /// An address is refused.
+    virtual void entryRefused(const std::string &reason) = 0;
+    virtual void entryStarted(long long entry) = 0;
+    /// The entry was a list itself: count entries, numbered from first, come in its place.
+    virtual void entryReplaced(long long entry, long long first, int count) = 0;
+    virtual void entryFailed(long long entry, const std::string &reason) = 0;
+    /// It has ended; isWhole tells whether at its own end.
+    virtual void entryEnded(long long entry, bool isWhole) = 0;
+
+    /// The stream is open and all its tracks are known.
+    virtual void streamOpened() = 0;
+    /// Pictures and sound run, at the start or after a seek.
+    virtual void playbackRestarted() = 0;
+    /// What the core says on its way to a failure.
+    virtual void complained(const std::string &text) = 0;
+
+    virtual void positionChanged(long long milliseconds) = 0;
+    virtual void durationChanged(double seconds) = 0;
+    virtual void seekableChanged(bool isSeekable) = 0;
+    /// Within what is buffered, as live streams are.
+    virtual void partlySeekableChanged(bool isPartlySeekable) = 0;
+    virtual void bufferingChanged(bool isBuffering) = 0;
+    virtual void frameRateChanged(double framesPerSecond) = 0;
+    virtual void pictureWidthChanged(int pixels) = 0;
+    virtual void pictureHeightChanged(int pixels) = 0;
+    virtual void tracksChanged(std::shared_ptr<const TrackList> tracks) = 0;
+};
+
+} // namespace Desk

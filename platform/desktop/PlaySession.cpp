@@ -1,0 +1,193 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "PlaySession.h"
+#include "Log.h"
+#include "MagnetDownload.h"
+#include "MagnetStream.h"
+#include "Multicast.h"
+#include "PlayableAddress.h"
+#include "PlayerWindow.h"
+#include "RtpStream.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Desk;
+
+namespace {
+
+std::string toSeconds(long long value)
+{
+    return std::to_string(static_cast<double>(value) / 1000);
+}
+
+} // namespace
+
+PlaySession::PlaySession(PlayerModel &model, PlayerWindow &window, MpvCore &core, MagnetStream &magnetStream,
+                         PlayRequest request, unsigned number)
+    : m_model(model)
+    , m_window(window)
+    , m_core(core)
+    , m_magnetStream(magnetStream)
+    , m_request(std::move(request))
+    , m_number(number)
+    , m_from(m_request.start)
+    , m_progress(m_request.time)
+{
+}
+
+PlaySession::~PlaySession()
+{
+    reportMulticast(false);
+}
+
+void PlaySession::begin()
+{
+    if (m_request.kind == PlayRequest::Magnet) {
+        m_magnet = std::make_shared<MagnetDownload>(m_request.address, m_request.torrentFile);
+        m_magnetStream.setDownload(m_magnet);
+    } else if (!isPlayable(m_request.address)) {
+        fail("it is not a file or a stream of the network");
+    } else {
+        load(m_request.address);
+    }
+}
+
+void PlaySession::load(const std::string &address)
+{
+    MpvCore::Options options;
+    // A seek to the beginning is more than some servers can do.
+    if (m_request.start > 0)
+        options.emplace_back("start", std::to_string(m_request.start));
+    for (const std::string &header : m_request.headers)
+        options.emplace_back("http-header-fields-append", header);
+    if (!m_request.subtitles.empty() && isPlayable(m_request.subtitles))
+        options.emplace_back("sub-files-append", m_request.subtitles);
+    if (m_request.kind == PlayRequest::Rtsp)
+        options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");
+    m_core.set("pause", m_paused);
+    m_core.set("speed", 1.0);
+    m_core.load(RtpStream::addressFor(address), options, m_number);
+}
+
+void PlaySession::watchMagnet()
+{
+    if (m_magnet->takeProgress())
+        madeProgress();
+    const std::string problem = m_magnet->problem();
+    if (!problem.empty()) {
+        fail(problem);
+    } else if (m_magnet->takeReady()) {
+        madeProgress();
+        load(MagnetStream::address);
+    }
+}
+
+void PlaySession::end(KVR_PlayerState state)
+{
+    m_ended = true;
+    m_core.unobserve(m_number);
+    m_core.command({"stop"});
+    m_magnetStream.setDownload(nullptr);
+    m_magnet.reset();
+    reportMulticast(false);
+    m_model.changeFor(m_number, [=](PlayerStatus &status) { status.reset(state); });
+    if (m_model.status().session == m_number)
+        m_window.setShowing(false);
+}
+
+void PlaySession::fail(const std::string &reason)
+{
+    log("player " + std::to_string(m_model.id()) + ": cannot play " + m_request.address + ": " + reason
+        + (m_complaints.empty() ? "" : " (" + m_complaints + ")"));
+    end(KVR_PLAYER_ERROR);
+}
+
+void PlaySession::setPaused(bool paused)
+{
+    m_paused = paused;
+    stopRewind();
+    if (!paused)
+        m_core.set("speed", 1.0);
+    m_core.set("pause", paused);
+    madeProgress();
+    updateState();
+}
+
+void PlaySession::step()
+{
+    m_paused = true;
+    stopRewind();
+    m_core.command({"frame-step"});
+    updateState();
+}
+
+void PlaySession::seek(long long position)
+{
+    if (m_rewind.active())
+        m_rewind.start(-m_model.status().speed, position);
+    m_seeking = true;
+    madeProgress();
+    m_from = static_cast<double>(position) / 1000;
+    seekCore(position);
+}
+
+void PlaySession::stopRewind()
+{
+    if (!m_rewind.active())
+        return;
+    const long long position = m_rewind.position();
+    m_rewind.stop();
+    seek(std::max(0LL, position));
+}
+
+void PlaySession::seekCore(long long position)
+{
+    m_core.command({"seek", toSeconds(position), "absolute+exact"});
+}
+
+void PlaySession::setSpeed(int speed)
+{
+    const bool wasBackwards = m_rewind.active();
+    m_paused = false;
+    if (speed < 0) {
+        m_rewind.start(-speed, wasBackwards ? m_rewind.position() : m_model.status().position);
+        m_core.set("pause", true);
+    } else {
+        stopRewind();
+        m_core.set("speed", static_cast<double>(speed));
+        m_core.set("pause", false);
+    }
+    madeProgress();
+    updateState();
+}
+
+void PlaySession::stepBackwards()
+{
+    const long long position = m_rewind.position();
+    madeProgress();
+    if (position <= 0) {
+        end(KVR_PLAYER_ENDED);
+        return;
+    }
+    m_model.changeFor(m_number, [=](PlayerStatus &status) { status.position = position; });
+    if (!m_rewindSeeking) {
+        m_rewindSeeking = true;
+        seekCore(position);
+    }
+}
+
+void PlaySession::reportMulticast(bool join)
+{
+    const std::string group = join ? multicastGroup(m_request.address) : m_group;
+    m_group = join ? group : std::string();
+    if (group.empty())
+        return;
+    m_model.change([&](PlayerStatus &status) {
+        status.multicast = {};
+        group.copy(status.multicast.ip_port, sizeof status.multicast.ip_port - 1);
+        status.multicast.join = join ? 1 : 0;
+        return KVR_OK;
+    });
+}

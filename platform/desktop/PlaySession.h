@@ -1,0 +1,128 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include "CoreListener.h"
+#include "MpvCore.h"
+#include "PlayRequest.h"
+#include "PlayerModel.h"
+#include "Rewind.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace Desk {
+
+class MagnetDownload;
+class MagnetStream;
+class PlayerWindow;
+
+/// One play request from its beginning to its end: all that is known of it goes with it. Gives the player core its
+/// orders and takes what the core reports into the player's status. Lives on the player's thread.
+class PlaySession : private CoreListener
+{
+public:
+    /// number: PlayerStatus::session of this one, and the tag of its orders to the core. All references outlive it.
+    PlaySession(PlayerModel &model, PlayerWindow &window, MpvCore &core, MagnetStream &magnetStream,
+                PlayRequest request, unsigned number);
+    PlaySession(const PlaySession &) = delete;
+    PlaySession &operator=(const PlaySession &) = delete;
+    ~PlaySession() override;
+
+    /// Orders what is to be played. Like everything that follows, it may end the session.
+    void begin();
+    void setPaused(bool paused);
+    void step();
+    void seek(long long position);
+    void setSpeed(int speed);
+
+    /// Takes what the core reports.
+    void handle(const mpv_event &event);
+
+    /// Does what time brings; to be called often.
+    void tick();
+
+    /// Stops playing and tells the state it came to. The session is then to be thrown away.
+    void end(KVR_PlayerState state);
+    bool hasEnded() const { return m_ended; }
+
+    /// Whether there is something to be done that does not wait for the core.
+    bool isFailing() const { return !m_failure.empty(); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void entryAdded(long long entry) override;
+    void entryRefused(const std::string &reason) override;
+    void entryStarted(long long entry) override;
+    void entryReplaced(long long entry, long long first, int count) override;
+    void entryFailed(long long entry, const std::string &reason) override;
+    void entryEnded(long long entry, bool isWhole) override;
+    void streamOpened() override;
+    void playbackRestarted() override;
+    void complained(const std::string &text) override;
+    void positionChanged(long long milliseconds) override;
+    void durationChanged(double seconds) override;
+    void seekableChanged(bool isSeekable) override;
+    void partlySeekableChanged(bool isPartlySeekable) override;
+    void bufferingChanged(bool isBuffering) override;
+    void frameRateChanged(double framesPerSecond) override;
+    void pictureWidthChanged(int pixels) override;
+    void pictureHeightChanged(int pixels) override;
+    void tracksChanged(std::shared_ptr<const TrackList> tracks) override;
+
+    void load(const std::string &address);
+    void watchMagnet();
+    void selectRequestedTracks();
+    void stopRewind();
+    void seekCore(long long position);
+    void stepBackwards();
+    void updateState();
+    void updateDuration();
+    void reachEnd();
+    void failAsReported();
+    void fail(const std::string &reason);
+    void reportMulticast(bool join);
+    void madeProgress() { m_progress = Clock::now(); }
+    bool isPlayed(long long entry) const { return m_inCore && entry == m_entry; }
+
+    /// A change of the status; nothing happens when a newer session has come.
+    template <typename Change>
+    void change(Change apply)
+    {
+        m_model.changeFor(m_number, apply);
+    }
+
+    PlayerModel &m_model;
+    PlayerWindow &m_window;
+    MpvCore &m_core;
+    MagnetStream &m_magnetStream;
+    const PlayRequest m_request;
+    const unsigned m_number;
+    std::shared_ptr<MagnetDownload> m_magnet;
+
+    long long m_entry = -1;     // the core's number for what is played
+    long long m_lastEntry = -1; // and for the last one, when it is a playlist
+    bool m_inCore = false;      // the core has begun with it
+    bool m_tracksSelected = false;
+    bool m_started = false;
+    bool m_paused = false;
+    bool m_buffering = false;
+    bool m_seeking = false;
+    bool m_ended = false;
+    Rewind m_rewind;
+    bool m_rewindSeeking = false;
+    std::string m_complaints; // of the core
+    std::string m_failure;    // why the core has given up
+    std::string m_group;      // multicast group that was joined
+    double m_from;            // seconds, where playing began or was last sent to
+    double m_duration = 0;    // seconds
+    bool m_seekable = false;
+    bool m_partlySeekable = false;
+    Clock::time_point m_progress;
+    Clock::time_point m_lastPositionEvent;
+};
+
+} // namespace Desk

@@ -1,0 +1,285 @@
+// Copyright The Kavro STB browser authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The half of PlaySession that takes what the player core reports, and does what time brings.
+
+#include "CoreEvents.h"
+#include "Diagnosis.h"
+#include "Log.h"
+#include "PlaySession.h"
+#include "PlayerWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+using namespace Desk;
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+// A player without any progress for so long is in error: the page is told within 15 seconds.
+constexpr seconds patience{12};
+constexpr milliseconds positionInterval{500};
+
+// How much of the core's complaints the log repeats, in bytes.
+constexpr std::size_t mostComplaints = 300;
+
+// What comes to its end this much before its duration was cut off.
+constexpr double earlyEnd = 3; // seconds
+
+long long toMilliseconds(double value)
+{
+    return std::max(0LL, std::llround(value * 1000));
+}
+
+int pidOf(const Track *track)
+{
+    return track ? track->entry.id : -1;
+}
+
+} // namespace
+
+void PlaySession::handle(const mpv_event &event)
+{
+    CoreEvents::report(event, m_number, *this);
+}
+
+void PlaySession::tick()
+{
+    if (isFailing())
+        failAsReported();
+    if (!m_ended && m_magnet)
+        watchMagnet();
+    if (!m_ended && m_rewind.active())
+        stepBackwards();
+    if (m_ended)
+        return;
+
+    const Clock::time_point now = Clock::now();
+    const bool playing = m_started && !m_paused && !m_buffering;
+    if (playing && now - m_lastPositionEvent >= positionInterval) {
+        m_lastPositionEvent = now;
+        m_model.sendEvent(KVR_EVENT_POSITION);
+    }
+    if (m_started && m_paused)
+        madeProgress();
+    if (now - m_progress > patience)
+        fail("nothing arrives");
+}
+
+// The core tells the reason of a failure in its log, which may come after the failure itself.
+void PlaySession::failAsReported()
+{
+    const bool remote = m_request.kind != PlayRequest::File && m_request.kind != PlayRequest::Magnet;
+    const std::string reason = remote ? diagnose(m_request.address) : std::string();
+    if (!reason.empty())
+        m_complaints = reason;
+    fail(m_failure);
+}
+
+void PlaySession::complained(const std::string &text)
+{
+    if (m_started || m_complaints.size() > mostComplaints || m_complaints.find(text) != std::string::npos)
+        return;
+    m_complaints += (m_complaints.empty() ? "" : "; ") + text;
+}
+
+void PlaySession::entryAdded(long long entry)
+{
+    m_entry = m_lastEntry = entry;
+}
+
+void PlaySession::entryRefused(const std::string &reason)
+{
+    fail(reason);
+}
+
+void PlaySession::entryStarted(long long entry)
+{
+    if (m_entry < 0 || entry < m_entry || entry > m_lastEntry)
+        return;
+    m_entry = entry;
+    m_inCore = true;
+    m_window.setShowing(true);
+    reportMulticast(true);
+    CoreEvents::observe(m_core, m_number);
+}
+
+void PlaySession::entryReplaced(long long entry, long long first, int count)
+{
+    if (!isPlayed(entry))
+        return;
+    m_entry = first;
+    m_lastEntry = first + count - 1;
+}
+
+void PlaySession::entryFailed(long long entry, const std::string &reason)
+{
+    if (isPlayed(entry))
+        m_failure = reason;
+}
+
+void PlaySession::entryEnded(long long entry, bool isWhole)
+{
+    if (!isPlayed(entry))
+        return;
+    if (isWhole && m_entry < m_lastEntry)
+        ++m_entry;
+    else
+        reachEnd();
+}
+
+void PlaySession::streamOpened()
+{
+    if (!m_inCore)
+        return;
+    change([](PlayerStatus &status) { status.loaded = true; });
+    CoreEvents::observeTracks(m_core, m_number);
+}
+
+void PlaySession::playbackRestarted()
+{
+    if (!m_inCore)
+        return;
+    m_started = true;
+    m_rewindSeeking = false;
+    madeProgress();
+    updateState();
+    if (m_seeking)
+        m_model.sendEvent(KVR_EVENT_POSITION);
+    m_seeking = false;
+}
+
+void PlaySession::positionChanged(long long milliseconds)
+{
+    if (m_rewind.active() || m_seeking)
+        return;
+    madeProgress();
+    change([=](PlayerStatus &status) { status.position = milliseconds; });
+}
+
+void PlaySession::bufferingChanged(bool isBuffering)
+{
+    m_buffering = isBuffering;
+    updateState();
+}
+
+void PlaySession::frameRateChanged(double framesPerSecond)
+{
+    change([=](PlayerStatus &status) { status.fps = framesPerSecond; });
+}
+
+void PlaySession::pictureWidthChanged(int pixels)
+{
+    change([=](PlayerStatus &status) { status.pictureWidth = pixels; });
+}
+
+void PlaySession::pictureHeightChanged(int pixels)
+{
+    change([=](PlayerStatus &status) { status.pictureHeight = pixels; });
+}
+
+void PlaySession::durationChanged(double seconds)
+{
+    m_duration = seconds;
+    updateDuration();
+}
+
+void PlaySession::seekableChanged(bool isSeekable)
+{
+    m_seekable = isSeekable;
+    updateDuration();
+}
+
+void PlaySession::partlySeekableChanged(bool isPartlySeekable)
+{
+    m_partlySeekable = isPartlySeekable;
+    updateDuration();
+}
+
+void PlaySession::updateDuration()
+{
+    change([this](PlayerStatus &status) {
+        status.seekable = m_seekable;
+        // The end of a live stream is only the end of what has come so far.
+        status.duration = m_seekable && !m_partlySeekable ? toMilliseconds(m_duration) : 0;
+    });
+}
+
+void PlaySession::tracksChanged(std::shared_ptr<const TrackList> tracks)
+{
+    change([&](PlayerStatus &status) {
+        // A player begins with the first teletext of the stream, shown or not.
+        if (!tracks->sameTracks(*status.tracks, TrackKind::Teletext))
+            status.teletextPid = pidOf(tracks->first(TrackKind::Teletext));
+        status.videoPid = pidOf(tracks->selected(TrackKind::Video));
+        status.audioPid = pidOf(tracks->selected(TrackKind::Audio));
+        status.subtitlePid = pidOf(tracks->selected(TrackKind::Subtitle));
+        status.tracks = std::move(tracks);
+    });
+    selectRequestedTracks();
+    updateState();
+}
+
+void PlaySession::selectRequestedTracks()
+{
+    const PlayerStatus status = m_model.status();
+    if (m_tracksSelected || status.session != m_number || status.tracks->tracks().empty())
+        return;
+    m_tracksSelected = true;
+    const struct
+    {
+        TrackKind kind;
+        int pid;
+    } wishes[] = {
+        {TrackKind::Video, m_request.videoPid},
+        {TrackKind::Audio, m_request.audioPid},
+        {TrackKind::Subtitle, m_request.subtitlePid},
+    };
+    for (const auto &wish : wishes) {
+        if (wish.pid < 0)
+            continue;
+        if (const Track *track = status.tracks->find(wish.kind, wish.pid))
+            m_core.selectTrack(wish.kind, track->number);
+        else
+            log("player " + std::to_string(m_model.id()) + ": no track with PID " + std::to_string(wish.pid) + " in "
+                + m_request.address);
+    }
+    const Track *subtitles = status.tracks->external(TrackKind::Subtitle);
+    if (!subtitles && !m_request.subtitles.empty())
+        log("player " + std::to_string(m_model.id()) + ": no subtitles in " + m_request.subtitles);
+    if (subtitles && m_request.subtitlePid < 0)
+        m_core.selectTrack(TrackKind::Subtitle, subtitles->number);
+    if (const Track *teletext = status.tracks->find(TrackKind::Teletext, status.teletextPid))
+        m_core.showTeletext(status.teletextVisible, teletext->number, status.teletextPage);
+}
+
+void PlaySession::updateState()
+{
+    KVR_PlayerState state = KVR_PLAYER_PLAYING;
+    const bool ready = m_started && m_tracksSelected;
+    if (ready && m_paused)
+        state = KVR_PLAYER_PAUSED;
+    else if (!ready || m_buffering)
+        state = KVR_PLAYER_OPENING;
+    change([=](PlayerStatus &status) { status.state = state; });
+}
+
+void PlaySession::reachEnd()
+{
+    const PlayerStatus status = m_model.status();
+    // Beyond the end, the core reports no position.
+    const double reached = std::max(static_cast<double>(status.position) / 1000, m_from);
+    // Only pictures have a duration that is known for sure.
+    const bool early = status.videoPid >= 0 && reached + earlyEnd < m_duration;
+    if (!m_started)
+        fail("there is nothing to play in it");
+    else if (early && status.session == m_number)
+        fail("it breaks off at " + std::to_string(status.position / 1000) + " of "
+             + std::to_string(toMilliseconds(m_duration) / 1000) + " seconds");
+    else
+        end(KVR_PLAYER_ENDED);
+}
