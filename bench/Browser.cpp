@@ -3,7 +3,7 @@
 
 #include "Browser.h"
 
-#include "PortalPage.h"
+#include "ChannelListPage.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -45,7 +45,7 @@ bool Browser::isInstalled(const QString &name)
 
 Browser::Browser(const QString &name)
 {
-    m_server.serve("/", portalPage());
+    m_server.serve("/", channelListPage());
     const QString program = others().contains(name) ? path(name) : name;
     QTimer timeout; // wakes the loop below
     timeout.start(longestWait);

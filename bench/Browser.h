@@ -5,7 +5,7 @@
 
 #include "Child.h"
 #include "Comparison.h"
-#include "HttpServer.h"
+#include "tests/support/HttpServer.h"
 
 #include <memory>
 

@@ -3,9 +3,9 @@
 
 #pragma once
 
-#include "HostedPlugin.h"
 #include "Subject.h"
-#include "stbapi.h"
+#include "platform/stbapi.h"
+#include "tests/support/HostedPlugin.h"
 
 /// The plugin, in a launcher that does as little as one can.
 class PluginSubject : public Subject

@@ -3,12 +3,12 @@
 
 // Long loops, and whether memory stays flat in them.
 
+#include "ChannelListPage.h"
 #include "Child.h"
-#include "HttpServer.h"
-#include "PortalPage.h"
 #include "Statistics.h"
 #include "Table.h"
 #include "tests/desktop/TestMedia.h"
+#include "tests/support/HttpServer.h"
 
 #include <QCoreApplication>
 
@@ -42,7 +42,7 @@ const Loop loops[] = {
     {"1,000,000 events", "plugin", "memory-of-events", 100, 10000, true},
     {"1,000 loads of a portal of 200 KB", "plugin", "memory-of-reloads", 100, 10, true},
     {"the plugin created and destroyed 200 times", "plugin", "memory-of-lives", 50, 4, true},
-    {"1,000 players opened and closed", "desk", "memory-of-players", 100, 10, false},
+    {"1,000 players opened and closed", "deskplatform", "memory-of-players", 100, 10, false},
 };
 
 // How memory went in a loop.
@@ -103,7 +103,7 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const int shortening = QCoreApplication::arguments().contains("--quick") ? quickly : 1;
     HttpServer server;
-    server.serve("/", portalPage());
+    server.serve("/", channelListPage());
     if (!TestMedia::makeBars("/mnt/stb/clip.ts", 5))
         return 1;
     const QString page = server.url().toString();

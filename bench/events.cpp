@@ -3,11 +3,11 @@
 
 // Events on their way from another thread to the page's eventCallback: one by one, many at once, and a million.
 
+#include "ChannelListPage.h"
 #include "Child.h"
 #include "Comparison.h"
-#include "HttpServer.h"
-#include "PortalPage.h"
 #include "Statistics.h"
+#include "tests/support/HttpServer.h"
 
 #include <QCoreApplication>
 
@@ -24,7 +24,7 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     const QStringList programs = {"plugin", "bare"};
     HttpServer server;
-    server.serve("/", portalPage());
+    server.serve("/", channelListPage());
     const QString page = server.url().toString();
 
     const auto latency = [&](const QString &program) {

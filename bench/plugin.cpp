@@ -4,8 +4,8 @@
 // The plugin on a platform library that costs nothing.
 
 #include "PluginSubject.h"
-#include "RecordingPlatform.h"
 #include "Tasks.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QApplication>
 

@@ -3,11 +3,11 @@
 
 // A call from the page of a slot that takes and gives a number.
 
+#include "ChannelListPage.h"
 #include "Child.h"
 #include "Comparison.h"
-#include "HttpServer.h"
-#include "PortalPage.h"
 #include "Statistics.h"
+#include "tests/support/HttpServer.h"
 
 #include <QCoreApplication>
 
@@ -15,7 +15,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     HttpServer server;
-    server.serve("/", portalPage());
+    server.serve("/", channelListPage());
     const QString page = server.url().toString();
 
     // The engine looks a name up among all, of which it has one more than pages of the plugin are shown.

@@ -93,7 +93,7 @@ int main(int argc, char **argv)
         const QStringList desk = {"--exit-after", QString::number(settlingTime + measuringTime + 1), "--",
                                   QString("file://") + page};
         const QStringList player = {"--no-config", "--vo=null", "--ao=null", "--hwdec=no", "--really-quiet", film};
-        Child child(isPlugin ? "headlessdesk" : mpv, isPlugin ? desk : player);
+        Child child(isPlugin ? "deskbox" : mpv, isPlugin ? desk : player);
         waitFor(settlingTime);
         const double before = processorTime(child.id());
         waitFor(measuringTime);

@@ -5,14 +5,14 @@
 
 #include "browser/AddressDialog.h"
 #include "browser/CaBundle.h"
-#include "browser/DeleteGuard.h"
-#include "browser/EventNotifier.h"
-#include "browser/FrameGuards.h"
-#include "browser/JsApiTracer.h"
+#include "browser/DeleteLaterFilter.h"
+#include "browser/FrameProtection.h"
 #include "browser/PageEvents.h"
 #include "browser/PageGuards.h"
 #include "browser/StbWebNam.h"
 #include "browser/UserAgentWebPage.h"
+#include "browser/bridge/EventNotifier.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "common/other/plainfile.h"
 #include "common/other/qtcompat.h"
 #include "common/other/tools.h"
@@ -155,7 +155,7 @@ void KavroStbBrowser::createScriptObjects()
                                     {"StbPVR", pvr},
                                     {"stb_media", deprecatedMedia},
                                     {"stb_display", deprecatedDisplay}};
-    DeleteGuard *guard = new DeleteGuard(this);
+    DeleteLaterFilter *guard = new DeleteLaterFilter(this);
     for (const ScriptObject &script : objects) {
         scriptObjects.append(script);
         script.object->installEventFilter(guard);
@@ -181,8 +181,8 @@ void KavroStbBrowser::connectPageToPlatform()
     connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
-    if (QtCompat::engineNeedsGuards)
-        new FrameGuards(page());
+    if (QtCompat::engineNeedsProtection)
+        new FrameProtection(page());
     connect(media, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(deprecatedMedia, SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }
@@ -333,7 +333,7 @@ void KavroStbBrowser::populateJavaScriptWindowObject()
     QWebFrame *frame = page()->mainFrame();
     leavePage();
     pageEvents = new PageEvents(frame, QLatin1String(mediaName), this);
-    if (QtCompat::engineNeedsGuards) {
+    if (QtCompat::engineNeedsProtection) {
         addGuards(frame);
     } else {
         for (const ScriptObject &script : std::as_const(scriptObjects))

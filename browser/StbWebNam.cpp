@@ -4,7 +4,7 @@
 #include "browser/StbWebNam.h"
 
 #include "browser/CaBundle.h"
-#include "browser/FileGuard.h"
+#include "browser/FileRedirectRefuser.h"
 #include "browser/RefusedReply.h"
 #include "common/other/qtcompat.h"
 
@@ -23,7 +23,7 @@ StbWebNam::StbWebNam(QObject *parent, CaBundle *bundle)
 QNetworkReply *StbWebNam::createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData)
 {
     qDebug() << "Create request";
-    if (op != GetOperation && op != HeadOperation && FileGuard::mayBeFile(request.url())) {
+    if (op != GetOperation && op != HeadOperation && FileRedirectRefuser::mayBeFile(request.url())) {
         qWarning("Refused: a request that would change %s; pages read files only",
                  request.url().toEncoded().constData());
         return new RefusedReply(op, request, QLatin1String("Files are only read"), this);
@@ -31,7 +31,7 @@ QNetworkReply *StbWebNam::createRequest(Operation op, const QNetworkRequest &req
     // Others do not use TLS, and would wait for it to be set up.
     const bool usesTls = request.url().scheme() == QLatin1String("https");
     QNetworkReply *reply = QNetworkAccessManager::createRequest(op, usesTls ? withTls(request) : request, outgoingData);
-    new FileGuard(reply);
+    new FileRedirectRefuser(reply);
     return reply;
 }
 

@@ -3,7 +3,7 @@
 
 #include "jsapi/BootParameters.h"
 
-#include "browser/EventNotifier.h"
+#include "browser/bridge/EventNotifier.h"
 #include "config/PluginConfigParser.h"
 #include "jsapi/PlatformRecords.h"
 #include "platform/stbapi.h"

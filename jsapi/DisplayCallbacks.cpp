@@ -3,7 +3,7 @@
 
 #include "jsapi/DisplayCallbacks.h"
 
-#include "browser/EventNotifier.h"
+#include "browser/bridge/EventNotifier.h"
 #include "platform/stbapi.h"
 
 namespace KavroJS {

@@ -3,7 +3,7 @@
 
 #include "jsapi/StbDisplay.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/DisplayCallbacks.h"
 #include "jsapi/FailureMap.h"
 #include "jsapi/GraphicsLayer.h"

@@ -5,7 +5,7 @@
 
 #include "jsapi/StbDisplay.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/BootParameters.h"
 #include "jsapi/DeviceIdentity.h"
 #include "jsapi/LocalStorage.h"

@@ -5,7 +5,7 @@
 
 #include "jsapi/StbDisplay.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/CustomScript.h"
 #include "jsapi/FailureMap.h"
 #include "jsapi/PageLog.h"

@@ -3,7 +3,7 @@
 
 #include "jsapi/StbMedia.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/PlayerCallbacks.h"
 #include "jsapi/StoragePath.h"
 #include "platform/stbapi.h"

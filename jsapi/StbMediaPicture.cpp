@@ -5,7 +5,7 @@
 
 #include "jsapi/StbMedia.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/SoundSettings.h"
 #include "platform/stbapi.h"
 

@@ -3,8 +3,8 @@
 
 #include "jsapi/StbPVR.h"
 
-#include "browser/EventNotifier.h"
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/EventNotifier.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "common/other/qtcompat.h"
 #include "jsapi/PlatformRecords.h"
 

@@ -5,7 +5,7 @@
 #include "Channel.h"
 #include "CrashNote.h"
 #include "Descriptors.h"
-#include "Desk.h"
+#include "DeskRun.h"
 #include "Display.h"
 #include "ExitStatus.h"
 #include "Limits.h"
@@ -31,7 +31,7 @@
 
 namespace {
 
-Desk *runningDesk = nullptr;
+DeskRun *currentRun = nullptr;
 
 // Chooses how Qt shows windows, for the process inside. Returns what is missing for it, or nothing.
 QString choosePlatform(bool headless)
@@ -112,11 +112,11 @@ int runOutside(int argc, char **argv)
 
 // For a plugin that ends the process: the picture is taken all the same, and the status is the plugin's, which it would
 // not be if Qt were taken down below a running application.
-void endWithDesk(int status, void *)
+void endWithRun(int status, void *)
 {
-    if (!runningDesk)
+    if (!currentRun)
         return;
-    runningDesk->saveLastScreenshot();
+    currentRun->saveLastScreenshot();
     std::fflush(nullptr);
     _exit(status);
 }
@@ -140,12 +140,12 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
     const Options options = Options::fromCommandLine();
     Channel channel(options.channel);
     const CrashNote crashNote(&channel);
-    Desk desk(options, &channel);
-    runningDesk = &desk;
-    on_exit(endWithDesk, nullptr);
-    const int status = desk.run();
-    runningDesk = nullptr;
-    *nextArguments = desk.optionsAfterRestart().forInside();
+    DeskRun run(options, &channel);
+    currentRun = &run;
+    on_exit(endWithRun, nullptr);
+    const int status = run.untilLeft();
+    currentRun = nullptr;
+    *nextArguments = run.optionsAfterRestart().forInside();
     return status;
 }
 
@@ -174,7 +174,7 @@ int main(int argc, char **argv)
         return runOutside(argc, argv);
     QStringList nextArguments;
     const int status = runInside(argc, argv, &nextArguments);
-    if (status == Desk::restart)
+    if (status == DeskRun::restart)
         startOver(argv[0], nextArguments);
     return status;
 }

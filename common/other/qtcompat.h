@@ -30,7 +30,7 @@ namespace QtCompat {
 
 /// Whether pages can crash the toolkit's web engine by what they pass to script objects, by workers and by editing.
 /// That of Qt 4 can take it.
-const bool engineNeedsGuards = QT_VERSION >= 0x050000;
+const bool engineNeedsProtection = QT_VERSION >= 0x050000;
 
 /// Makes a copy of a class's meta-object that of a class derived from another one; from none, without it.
 inline void setSuperClass(QMetaObject &metaObject, const QMetaObject *superClass)

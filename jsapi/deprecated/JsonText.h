@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "platform/stbapi.h"
 
 #include <QString>

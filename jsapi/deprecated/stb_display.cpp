@@ -3,7 +3,7 @@
 
 #include "jsapi/deprecated/stb_display.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "common/other/plainfile.h"
 #include "jsapi/BootParameters.h"
 #include "jsapi/DeviceIdentity.h"

@@ -3,7 +3,7 @@
 
 #include "jsapi/deprecated/stb_media.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 #include "jsapi/PlatformRecords.h"
 #include "jsapi/PlayerCallbacks.h"
 #include "jsapi/StoragePath.h"

@@ -5,7 +5,7 @@
 // for all of its libraries, the toolkit's and the players' alike. What a name is looked up with does not come here, as
 // the C library calls itself by other names; so name servers are always reached.
 
-#include "NetGuard.h"
+#include "NetGate.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -24,7 +24,7 @@ Function *next(const char *name)
 
 bool permits(const sockaddr *address, socklen_t length)
 {
-    NetGuard *const guard = NetGuard::running();
+    NetGate *const guard = NetGate::running();
     if (!guard || guard->permits(address, length))
         return true;
     errno = EACCES;
@@ -83,7 +83,7 @@ int getaddrinfo(const char *name, const char *service, const addrinfo *hints, ad
 {
     static auto *const original = next<decltype(getaddrinfo)>("getaddrinfo");
     const int result = original(name, service, hints, found);
-    NetGuard *const guard = NetGuard::running();
+    NetGate *const guard = NetGate::running();
     if (result == 0 && name && guard)
         guard->learn(name, *found);
     return result;

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 
 add_library(kavro_recorded_file STATIC RecordedFile.cpp)
-target_include_directories(kavro_recorded_file PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+kavro_provide(kavro_recorded_file tests/desktop/RecordedFile.h)
 target_link_libraries(kavro_recorded_file PUBLIC Qt5::Core PRIVATE kavro_warnings PkgConfig::AV)
 
 foreach(name deskrecordings deskrecordingsfailures deskrecordingsrestart deskrecordingssources)

@@ -3,7 +3,7 @@
 
 #include "TestMedia.h"
 #include "launcher/PageServer.h"
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <QtTest>
 

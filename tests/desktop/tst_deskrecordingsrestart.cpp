@@ -1,11 +1,11 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "FileSizeLimit.h"
-#include "OddFile.h"
 #include "RecordedFile.h"
 #include "TestMedia.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OddFile.h"
 
 #include "launcher/PageServer.h"
 

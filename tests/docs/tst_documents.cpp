@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "MarkdownFile.h"
-#include "Program.h"
+#include "tests/launcher/Program.h"
 
 #include <QDir>
 #include <QFileInfo>

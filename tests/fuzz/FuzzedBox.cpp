@@ -3,8 +3,8 @@
 
 #include "FuzzedBox.h"
 
-#include "BoxFile.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
 
 #include <QDir>
 #include <QFile>

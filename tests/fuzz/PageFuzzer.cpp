@@ -4,7 +4,7 @@
 #include "PageFuzzer.h"
 
 #include "FuzzedBox.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QApplication>
 #include <QFile>

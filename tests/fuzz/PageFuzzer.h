@@ -4,9 +4,9 @@
 #pragma once
 
 #include "ActionLog.h"
-#include "HostedPlugin.h"
-#include "HttpServer.h"
 #include "ScriptWriter.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/HttpServer.h"
 
 #include <QElapsedTimer>
 #include <QTimer>

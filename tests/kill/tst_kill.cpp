@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "RecordedFile.h"
-#include "TestMedia.h"
+#include "tests/desktop/RecordedFile.h"
+#include "tests/desktop/TestMedia.h"
 
 #include "launcher/PageServer.h"
 

@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "HttpServer.h"
 #include "Program.h"
+#include "tests/support/HttpServer.h"
 
 #include <QScopedPointer>
 #include <QStringList>

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxEngine.h"
+#include "launcher/engine/BoxEngine.h"
 
 #include <QSignalSpy>
 #include <QWebFrame>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskBoxTest.h"
-#include "TestMedia.h"
+#include "tests/desktop/TestMedia.h"
 
 #include <QImage>
 #include <QtTest>

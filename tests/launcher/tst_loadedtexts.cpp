@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HttpServer.h"
-#include "LoadedTexts.h"
+#include "launcher/engine/LoadedTexts.h"
+#include "tests/support/HttpServer.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>

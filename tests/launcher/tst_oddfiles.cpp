@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskBoxTest.h"
-#include "OddFile.h"
+#include "tests/support/OddFile.h"
 
 #include <QDir>
 #include <QTest>

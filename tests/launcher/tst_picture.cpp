@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskBoxTest.h"
-#include "PlayerPicture.h"
-#include "TestMedia.h"
+#include "tests/desktop/PlayerPicture.h"
+#include "tests/desktop/TestMedia.h"
 
 #include <QDir>
 #include <QTest>

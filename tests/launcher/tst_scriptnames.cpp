@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxEngine.h"
-#include "NameLists.h"
+#include "launcher/engine/BoxEngine.h"
+#include "launcher/engine/NameLists.h"
 
 #include <QDirIterator>
 #include <QJSEngine>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "launcher/closed/KernelScope.h"
-#include "launcher/net/NetGuard.h"
+#include "launcher/net/NetGate.h"
 
 #include <QNetworkDatagram>
 #include <QTemporaryDir>
@@ -83,9 +83,9 @@ void TestSockets::initTestCase()
 {
     QVERIFY(m_allowed.bind(QHostAddress(QHostAddress::LocalHost)));
     QVERIFY(m_refused.bind(QHostAddress(QHostAddress::LocalHost)));
-    QVERIFY(!NetGuard::running());
-    NetGuard *guard = NetGuard::start({QString("127.0.0.1:%1").arg(m_allowed.localPort())});
-    QCOMPARE(NetGuard::running(), guard);
+    QVERIFY(!NetGate::running());
+    NetGate *guard = NetGate::start({QString("127.0.0.1:%1").arg(m_allowed.localPort())});
+    QCOMPARE(NetGate::running(), guard);
     guard->setFirstPage(QUrl("http://203.0.113.7/"));
 }
 
@@ -234,7 +234,7 @@ void TestSockets::socketsOfOtherKindsAreLeftAlone()
 // Once, until another page has come.
 void TestSockets::whatIsRefusedIsTold()
 {
-    QSignalSpy told(NetGuard::running(), &NetGuard::refused);
+    QSignalSpy told(NetGate::running(), &NetGate::refused);
     const sockaddr_in refused = addressOf("10.1.2.3", 80);
     for (int i = 0; i < 3; ++i)
         QCOMPARE(::connect(m_socket, generic(refused), sizeof refused), -1);
@@ -243,7 +243,7 @@ void TestSockets::whatIsRefusedIsTold()
              QString("10.1.2.3:80 is on this PC or its network, and refused to pages from 203.0.113.7; "
                      "--allow-net 10.1.2.3:80 allows it"));
 
-    NetGuard::running()->tellAgain();
+    NetGate::running()->tellAgain();
     QCOMPARE(::connect(m_socket, generic(refused), sizeof refused), -1);
     QCOMPARE(told.size(), 2);
 }

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "SourceCheck.h"
+#include "launcher/engine/SourceCheck.h"
 
 #include <QSignalSpy>
 #include <QtTest>

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "stbapi.h"
+#include "platform/stbapi.h"
 
 #include <QByteArrayList>
 #include <QMetaType>

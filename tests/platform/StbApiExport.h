@@ -5,5 +5,5 @@
 
 // The library hides everything else that it does not mean to offer.
 #pragma GCC visibility push(default)
-#include "stbapi.h"
+#include "platform/stbapi.h"
 #pragma GCC visibility pop

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "HostedPlugin.h"
+#include "tests/support/HostedPlugin.h"
 
 #include <QString>
 #include <QStringList>

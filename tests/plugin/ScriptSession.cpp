@@ -3,7 +3,7 @@
 
 #include "ScriptSession.h"
 
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QDebug>
 #include <QFile>

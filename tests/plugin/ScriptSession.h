@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "HostedPlugin.h"
-#include "MessageLog.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/MessageLog.h"
 
 #include "shell/CStbApplication.h"
 

@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "RecordingPlatform.h"
 #include "ScriptSession.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>

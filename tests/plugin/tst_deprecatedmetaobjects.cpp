@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HostedPlugin.h"
 #include "ScriptObjectFinder.h"
+#include "tests/support/HostedPlugin.h"
 
 #include "shell/CStbApplication.h"
 

@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "OddFile.h"
 #include "config/DirectfbrcParser.h"
+#include "tests/support/OddFile.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
 
 #include "jsapi/StbDisplay.h"
 #include "jsapi/StbPVR.h"

@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HttpServer.h"
-#include "RecordingPlatform.h"
 #include "ScriptSession.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/HttpServer.h"
 
 #include <QSemaphore>
 #include <QtTest>

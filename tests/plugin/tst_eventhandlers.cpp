@@ -1,10 +1,10 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HostedPlugin.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/HostedPlugin.h"
 
-#include "browser/EventNotifier.h"
+#include "browser/bridge/EventNotifier.h"
 #include "jsapi/DisplayCallbacks.h"
 #include "jsapi/StbDisplay.h"
 #include "jsapi/StbPVR.h"

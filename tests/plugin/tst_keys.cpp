@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HostedPlugin.h"
+#include "tests/support/HostedPlugin.h"
 
 #include <QElapsedTimer>
 #include <QWebView>

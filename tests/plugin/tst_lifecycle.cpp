@@ -1,11 +1,11 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
-#include "HttpServer.h"
-#include "MessageLog.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/HttpServer.h"
+#include "tests/support/MessageLog.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,10 +1,10 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "MessageLog.h"
-#include "OddFile.h"
 #include "config/PluginConfigParser.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/MessageLog.h"
+#include "tests/support/OddFile.h"
 
 #include <QtTest>
 

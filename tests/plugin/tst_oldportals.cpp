@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
 
 #include "shell/CStbApplication.h"
 

@@ -1,10 +1,10 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "RecordingPlatform.h"
 #include "RefusedCalls.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QApplication>
 #include <QLabel>

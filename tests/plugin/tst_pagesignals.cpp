@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "RecordingPlatform.h"
 #include "ScriptObjectFinder.h"
 #include "ScriptSession.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QMetaMethod>
 #include <QtTest>

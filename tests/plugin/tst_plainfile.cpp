@@ -1,10 +1,10 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "MessageLog.h"
-#include "OddFile.h"
 #include "common/other/plainfile.h"
 #include "common/other/regularfile.h"
+#include "tests/support/MessageLog.h"
+#include "tests/support/OddFile.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

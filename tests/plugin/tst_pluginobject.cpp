@@ -1,12 +1,12 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
-#include "MessageLog.h"
-#include "OddFile.h"
-#include "RecordingPlatform.h"
-#include "browser/EventNotifier.h"
+#include "browser/bridge/EventNotifier.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/MessageLog.h"
+#include "tests/support/OddFile.h"
 
 #include <QImageReader>
 #include <QWebView>

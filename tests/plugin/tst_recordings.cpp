@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "RecordingPlatform.h"
 #include "ScriptSession.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "HostedPlugin.h"
-#include "HttpServer.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/HttpServer.h"
 
 #include <QWebFrame>
 #include <QWebView>

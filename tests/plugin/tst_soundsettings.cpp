@@ -1,10 +1,10 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "FileSizeLimit.h"
-#include "OddFile.h"
-#include "RecordingPlatform.h"
 #include "ScriptSession.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/OddFile.h"
 
 #include <QElapsedTimer>
 #include <QLockFile>

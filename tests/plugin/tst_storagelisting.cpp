@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
 #include "ScriptSession.h"
+#include "tests/support/BoxFile.h"
 
 #include <QElapsedTimer>
 #include <QtTest>

@@ -1,12 +1,12 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "MessageLog.h"
-#include "OddFile.h"
 #include "StreamCapture.h"
 #include "common/other/tools.h"
 #include "config/SystemSettings.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/MessageLog.h"
+#include "tests/support/OddFile.h"
 
 #include <QBuffer>
 #include <QtTest>

@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
-#include "MessageLog.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/MessageLog.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>

@@ -1,12 +1,12 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
-#include "HttpServer.h"
-#include "MessageLog.h"
-#include "OddFile.h"
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
+#include "tests/support/HttpServer.h"
+#include "tests/support/MessageLog.h"
+#include "tests/support/OddFile.h"
 
 #include <QWebView>
 #include <QtTest>

@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "HostedPlugin.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/HostedPlugin.h"
 
 #include <QImage>
 #include <QRect>

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "Program.h"
+#include "tests/launcher/Program.h"
 
 #include <QDir>
 #include <QImage>

@@ -1,9 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxEngine.h"
 #include "PortalPage.h"
-#include "SourceCheck.h"
+#include "launcher/engine/BoxEngine.h"
+#include "launcher/engine/SourceCheck.h"
 
 #include <QDirIterator>
 #include <QSignalSpy>

@@ -3,9 +3,9 @@
 
 #include "HostedPlugin.h"
 
-#include "BoxEngine.h"
 #include "BoxFile.h"
-#include "WebView.h"
+#include "launcher/engine/BoxEngine.h"
+#include "launcher/engine/WebView.h"
 
 #include <QChildEvent>
 #include <QCoreApplication>

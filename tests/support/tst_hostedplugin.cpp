@@ -3,7 +3,7 @@
 
 #include "HostedPlugin.h"
 #include "HttpServer.h"
-#include "RecordingPlatform.h"
+#include "tests/platform/RecordingPlatform.h"
 
 #include "shell/CStbApplication.h"
 

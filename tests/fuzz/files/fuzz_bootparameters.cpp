@@ -3,7 +3,7 @@
 
 #include "FuzzInput.h"
 
-#include "platform/desktop/BootParameters.h"
+#include "platform/desktop/BootParameterStore.h"
 #include "platform/desktop/DurableFile.h"
 #include "platform/desktop/Log.h"
 
@@ -40,11 +40,11 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     content() = input.substr(0, end);
 
     Desk::EventRegistry events;
-    Desk::BootParameters parameters(events);
+    Desk::BootParameterStore parameters(events);
     const auto value = parameters.value(key);
     require(parameters.setValue("another key", "=%\n\x01") == KVR_OK, "a parameter can be set over any file");
     require(parameters.sync() == KVR_OK, "and is written");
-    Desk::BootParameters again(events);
+    Desk::BootParameterStore again(events);
     require(again.value("another key") == "=%\n\x01", "and read");
     require(again.value(key) == value || key == "another key", "the others stay as they are");
     return 0;

@@ -3,7 +3,7 @@
 
 #include "FuzzInput.h"
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 
 #include <QBuffer>
 

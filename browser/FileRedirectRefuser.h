@@ -11,12 +11,12 @@ class QUrl;
 
 /// Fails a reply that redirects to a file. Servers do not send pages to the box's files, whatever pages may do of
 /// themselves. Lives as long as the reply.
-class FileGuard : public QObject
+class FileRedirectRefuser : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit FileGuard(QNetworkReply *reply);
+    explicit FileRedirectRefuser(QNetworkReply *reply);
 
     /// Whether the network manager may take the address for a file's.
     static bool mayBeFile(const QUrl &url);

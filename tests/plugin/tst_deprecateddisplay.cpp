@@ -1,11 +1,11 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "OddFile.h"
-#include "RecordingPlatform.h"
 #include "ScriptSession.h"
 #include "StreamCapture.h"
+#include "tests/platform/RecordingPlatform.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/OddFile.h"
 
 #include "shell/CStbApplication.h"
 
@@ -457,4 +457,4 @@ void TestDeprecatedDisplay::refusedCallsReachNobody()
 
 QTEST_MAIN(TestDeprecatedDisplay)
 
-#include "tst_stb_display.moc"
+#include "tst_deprecateddisplay.moc"

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "browser/EventNotifier.h"
+#include "browser/bridge/EventNotifier.h"
 
 EventNotifier *EventNotifier::_inst = nullptr;
 

@@ -12,15 +12,15 @@ struct addrinfo;
 
 /// Asks the policy for every connection of this process, pages and players alike, and says what is refused. Lives as
 /// long as the process: players' threads may outlive all else.
-class NetGuard : public QObject
+class NetGate : public QObject
 {
     Q_OBJECT
 
 public:
     /// Begins to guard the process, with what --allow-net names.
-    static NetGuard *start(const QStringList &allowed);
+    static NetGate *start(const QStringList &allowed);
     /// Null until there is one.
-    static NetGuard *running();
+    static NetGate *running();
 
     void setFirstPage(const QUrl &page);
 
@@ -38,7 +38,7 @@ signals:
     void refused(const QString &sentence);
 
 private:
-    explicit NetGuard(const QVector<AllowedHost> &allowed);
+    explicit NetGate(const QVector<AllowedHost> &allowed);
     void lookUp(const QVector<AllowedHost> &hosts);
     void refuse(const NetAddress &address);
 

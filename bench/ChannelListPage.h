@@ -7,4 +7,4 @@
 
 /// The page that all programs show: a portal's list of channels, 200 KB of text. It asks its server for /ready when it
 /// is on the screen.
-QByteArray portalPage();
+QByteArray channelListPage();

@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "BoxFile.h"
-#include "HostedPlugin.h"
+#include "tests/support/BoxFile.h"
+#include "tests/support/HostedPlugin.h"
 
 #include "shell/CStbApplication.h"
 
@@ -177,4 +177,4 @@ void TestDeprecatedDisplayFiles::aLogThatCannotBeOpenedIsDoneWithout()
 
 QTEST_MAIN(TestDeprecatedDisplayFiles)
 
-#include "tst_stb_displayfiles.moc"
+#include "tst_deprecateddisplayfiles.moc"

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "browser/FrameGuards.h"
+#include "browser/FrameProtection.h"
 
 #include "browser/PageScript.h"
 
@@ -9,7 +9,7 @@
 #include <QWebFrame>
 #include <QWebPage>
 
-FrameGuards::FrameGuards(QWebPage *page)
+FrameProtection::FrameProtection(QWebPage *page)
     : QObject(page)
 {
     connect(page->undoStack(), SIGNAL(indexChanged(int)), SLOT(forgetEdits()));
@@ -19,17 +19,17 @@ FrameGuards::FrameGuards(QWebPage *page)
 
 // An edit that is undone, or done again, can bring a frame back, and the engine clears the stack for each frame that is
 // loaded: the edit would be deleted while it is at work. So there never is one to undo, for keys and frames neither.
-void FrameGuards::forgetEdits()
+void FrameProtection::forgetEdits()
 {
     static_cast<QUndoStack *>(sender())->clear();
 }
 
-void FrameGuards::watch(QWebFrame *frame)
+void FrameProtection::watch(QWebFrame *frame)
 {
     connect(frame, SIGNAL(javaScriptWindowObjectCleared()), SLOT(runScript()));
 }
 
-void FrameGuards::runScript()
+void FrameProtection::runScript()
 {
     static_cast<QWebFrame *>(sender())->evaluateJavaScript(pageScript("frames"));
 }

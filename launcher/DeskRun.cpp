@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "Desk.h"
+#include "DeskRun.h"
 
 #include "Channel.h"
 #include "ExitStatus.h"
@@ -11,7 +11,7 @@
 #include "Report.h"
 #include "ScreenshotFile.h"
 #include "TraceLevel.h"
-#include "net/NetGuard.h"
+#include "net/NetGate.h"
 #include "platform/desktop/DeskBox.h"
 #include "shell/CStbApplication.h"
 
@@ -28,7 +28,7 @@ const QSize inspectorSize(1280, 720);
 
 } // namespace
 
-Desk::Desk(const Options &options, Channel *channel)
+DeskRun::DeskRun(const Options &options, Channel *channel)
     : m_options(options)
     , m_channel(channel)
     , m_signals({SIGINT, SIGTERM, SIGHUP})
@@ -39,9 +39,9 @@ Desk::Desk(const Options &options, Channel *channel)
     DeskBox::setDeviceModel(options.model.toStdString());
 }
 
-Desk::~Desk() = default;
+DeskRun::~DeskRun() = default;
 
-int Desk::run()
+int DeskRun::untilLeft()
 {
     connectParts();
     if (m_options.trace && !TraceLevel::switchOn())
@@ -49,7 +49,7 @@ int Desk::run()
     const QString problem = Manifest::checkResolution(Places::manifest, Places::userManifest);
     if (!problem.isEmpty())
         report(problem);
-    guardNetwork();
+    openNetGate();
     QString error;
     if (!m_plugin.load(Places::plugin(), &error)) {
         report(error);
@@ -62,7 +62,7 @@ int Desk::run()
     return status;
 }
 
-Options Desk::optionsAfterRestart() const
+Options DeskRun::optionsAfterRestart() const
 {
     Options options = m_options;
     options.keys = m_keys.remaining();
@@ -71,11 +71,11 @@ Options Desk::optionsAfterRestart() const
     return options;
 }
 
-void Desk::connectParts()
+void DeskRun::connectParts()
 {
-    connect(&m_signals, &UnixSignals::received, this, &Desk::handleSignal);
+    connect(&m_signals, &UnixSignals::received, this, &DeskRun::handleSignal);
     connect(&m_plugin, &PluginHost::finished, this, [this] { leave(ExitStatus::Done); });
-    connect(&m_plugin, &PluginHost::started, this, &Desk::showInspector);
+    connect(&m_plugin, &PluginHost::started, this, &DeskRun::showInspector);
     connect(&m_plugin, &PluginHost::pageChanged, this, [this](const QUrl &address) {
         m_channel->tellPage(address.toDisplayString().left(longestAddress).toUtf8());
     });
@@ -87,15 +87,15 @@ void Desk::connectParts()
     connect(&m_keys, &KeyScript::pressed, this, [this](const Key &key) { m_window->press(key); });
 }
 
-void Desk::guardNetwork()
+void DeskRun::openNetGate()
 {
-    NetGuard *guard = NetGuard::start(m_options.allowNet);
-    connect(&m_plugin, &PluginHost::opening, guard, &NetGuard::setFirstPage);
-    connect(guard, &NetGuard::refused, &m_plugin, &PluginHost::warn, Qt::QueuedConnection);
-    connect(&m_plugin, &PluginHost::pageLoaded, guard, &NetGuard::tellAgain);
+    NetGate *guard = NetGate::start(m_options.allowNet);
+    connect(&m_plugin, &PluginHost::opening, guard, &NetGate::setFirstPage);
+    connect(guard, &NetGate::refused, &m_plugin, &PluginHost::warn, Qt::QueuedConnection);
+    connect(&m_plugin, &PluginHost::pageLoaded, guard, &NetGate::tellAgain);
 }
 
-void Desk::showWindow()
+void DeskRun::showWindow()
 {
     m_screen->setPlugin(m_plugin.application());
     m_window = std::make_unique<ScreenWindow>(m_screen.get(), m_options.size);
@@ -106,7 +106,7 @@ void Desk::showWindow()
         showRemoteControl();
 }
 
-void Desk::startPlugin()
+void DeskRun::startPlugin()
 {
     m_sinceStart.start();
     m_plugin.start(Places::pluginDirectory);
@@ -122,14 +122,14 @@ void Desk::startPlugin()
     }
 }
 
-void Desk::showRemoteControl()
+void DeskRun::showRemoteControl()
 {
     m_remote = std::make_unique<RemoteControl>();
     connect(m_remote.get(), &RemoteControl::pressed, m_window.get(), &ScreenWindow::press);
     m_remote->show();
 }
 
-void Desk::showInspector() const
+void DeskRun::showInspector() const
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
@@ -141,13 +141,13 @@ void Desk::showInspector() const
     }
 }
 
-void Desk::handleSignal(int signalNumber)
+void DeskRun::handleSignal(int signalNumber)
 {
     leave(signalNumber == SIGHUP ? restart : int(ExitStatus::Done));
 }
 
 // The plugin is destroyed when all event loops have ended: a dialog of its own may be in one.
-void Desk::leave(int status)
+void DeskRun::leave(int status)
 {
     if (m_left)
         return;
@@ -158,7 +158,7 @@ void Desk::leave(int status)
     QApplication::exit(status);
 }
 
-bool Desk::saveScreenshot()
+bool DeskRun::saveScreenshot()
 {
     if (m_options.screenshot.isEmpty() || ScreenshotFile::save(m_screen->picture(), m_options.screenshotDescriptor))
         return true;
@@ -167,7 +167,7 @@ bool Desk::saveScreenshot()
     return false;
 }
 
-void Desk::saveLastScreenshot()
+void DeskRun::saveLastScreenshot()
 {
     if (!m_left)
         saveScreenshot();

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "browser/JsApiTracer.h"
+#include "browser/bridge/JsApiTracer.h"
 
 #include <QDate>
 #include <QDebug>

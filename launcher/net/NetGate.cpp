@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "NetGuard.h"
+#include "NetGate.h"
 
 #include "launcher/Report.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 const int mostSaid = 100; // addresses
 
-std::atomic<NetGuard *> guard = nullptr;
+std::atomic<NetGate *> guard = nullptr;
 
 // Whether the text was not in the set, which does not grow endlessly.
 bool add(const QString &text, QSet<QString> *set)
@@ -29,28 +29,28 @@ bool add(const QString &text, QSet<QString> *set)
 
 } // namespace
 
-NetGuard *NetGuard::start(const QStringList &allowed)
+NetGate *NetGate::start(const QStringList &allowed)
 {
     QVector<AllowedHost> hosts;
     for (const QString &text : allowed)
         hosts += *AllowedHost::parse(text);
-    NetGuard *const started = new NetGuard(hosts);
+    NetGate *const started = new NetGate(hosts);
     guard = started;
     started->lookUp(hosts);
     return started;
 }
 
-NetGuard *NetGuard::running()
+NetGate *NetGate::running()
 {
     return guard;
 }
 
-NetGuard::NetGuard(const QVector<AllowedHost> &allowed)
+NetGate::NetGate(const QVector<AllowedHost> &allowed)
     : m_policy(allowed)
 {
 }
 
-void NetGuard::setFirstPage(const QUrl &page)
+void NetGate::setFirstPage(const QUrl &page)
 {
     m_policy.setFirstPage(page);
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -58,7 +58,7 @@ void NetGuard::setFirstPage(const QUrl &page)
 }
 
 // Pages may use the address of a host that was allowed by its name.
-void NetGuard::lookUp(const QVector<AllowedHost> &hosts)
+void NetGate::lookUp(const QVector<AllowedHost> &hosts)
 {
     QVector<QByteArray> names;
     for (const AllowedHost &host : hosts) {
@@ -78,7 +78,7 @@ void NetGuard::lookUp(const QVector<AllowedHost> &hosts)
     }).detach();
 }
 
-bool NetGuard::permits(const sockaddr *address, socklen_t length)
+bool NetGate::permits(const sockaddr *address, socklen_t length)
 {
     const std::optional<NetAddress> known = NetAddress::fromSocket(address, length);
     if (!known || m_policy.permits(*known))
@@ -87,7 +87,7 @@ bool NetGuard::permits(const sockaddr *address, socklen_t length)
     return false;
 }
 
-void NetGuard::learn(const char *name, const addrinfo *found)
+void NetGate::learn(const char *name, const addrinfo *found)
 {
     QVector<NetAddress> addresses;
     for (const addrinfo *next = found; next; next = next->ai_next) {
@@ -97,13 +97,13 @@ void NetGuard::learn(const char *name, const addrinfo *found)
     m_policy.learn(QString::fromUtf8(name), addresses);
 }
 
-void NetGuard::tellAgain()
+void NetGate::tellAgain()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_told.clear();
 }
 
-void NetGuard::refuse(const NetAddress &address)
+void NetGate::refuse(const NetAddress &address)
 {
     const QString text = address.toString();
     std::unique_lock<std::mutex> lock(m_mutex);

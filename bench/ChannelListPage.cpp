@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "PortalPage.h"
+#include "ChannelListPage.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ QByteArray channel(int number)
 
 } // namespace
 
-QByteArray portalPage()
+QByteArray channelListPage()
 {
     QByteArray page = head;
     for (int number = 1; page.size() < size; ++number)

@@ -7,10 +7,10 @@
 
 /// Event filter for the objects that a page sees: their inherited slot deleteLater, which a page can call like any
 /// other, has no effect on them. Their owners use delete.
-class DeleteGuard : public QObject
+class DeleteLaterFilter : public QObject
 {
 public:
-    explicit DeleteGuard(QObject *parent);
+    explicit DeleteLaterFilter(QObject *parent);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 };

@@ -10,13 +10,13 @@ class QWebPage;
 
 /// Keeps from a page and all its frames, those of other sites too, what crashes the engine whatever the script objects
 /// do: workers, and of its editors all but typing. Beside PageGuards, which are about the script objects.
-class FrameGuards : public QObject
+class FrameProtection : public QObject
 {
     Q_OBJECT
 
 public:
     /// The page becomes its parent.
-    explicit FrameGuards(QWebPage *page);
+    explicit FrameProtection(QWebPage *page);
 
 private slots:
     void forgetEdits();

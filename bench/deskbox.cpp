@@ -4,11 +4,11 @@
 // The desk box as kavro-box --headless runs it inside its box, with the same options. Prints how many of the player's
 // pictures it showed a second.
 
+#include "platform/desktop/DeskBox.h"
 #include "launcher/Channel.h"
-#include "launcher/Desk.h"
+#include "launcher/DeskRun.h"
 #include "launcher/Manifest.h"
 #include "launcher/Places.h"
-#include "platform/desktop/DeskBox.h"
 
 #include <QApplication>
 #include <clocale>
@@ -62,5 +62,5 @@ int main(int argc, char **argv)
     if (!error.isEmpty())
         qFatal("%s", qPrintable(error));
     Channel channel(-1);
-    return Desk(options, &channel).run();
+    return DeskRun(options, &channel).untilLeft();
 }

@@ -20,17 +20,17 @@ class Channel;
 class RemoteControl;
 
 /// The desk box, inside its box: runs the plugin on a screen from its start until it is left, or the box restarts.
-class Desk : public QObject
+class DeskRun : public QObject
 {
     Q_OBJECT
 
 public:
     /// The channel must outlive it.
-    Desk(const Options &options, Channel *channel);
-    ~Desk() override;
+    DeskRun(const Options &options, Channel *channel);
+    ~DeskRun() override;
 
     /// Returns when the desk box is left: an ExitStatus, or restart.
-    int run();
+    int untilLeft();
     /// Saves the screenshot of a desk box that is still running. For a plugin that ends the process.
     void saveLastScreenshot();
     /// The options for the start that follows.
@@ -40,7 +40,7 @@ public:
 
 private:
     void connectParts();
-    void guardNetwork();
+    void openNetGate();
     void showWindow();
     void startPlugin();
     void showRemoteControl();

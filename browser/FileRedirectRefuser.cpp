@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "browser/FileGuard.h"
+#include "browser/FileRedirectRefuser.h"
 
 #include <QNetworkReply>
 #include <QStringList>
@@ -20,7 +20,7 @@ public:
 
 } // namespace
 
-FileGuard::FileGuard(QNetworkReply *reply)
+FileRedirectRefuser::FileRedirectRefuser(QNetworkReply *reply)
     : QObject(reply)
     , m_reply(reply)
     , m_isRefused(false)
@@ -35,14 +35,14 @@ FileGuard::FileGuard(QNetworkReply *reply)
 }
 
 // All but the manager's own protocols are tried as names of files, "notes:page" too.
-bool FileGuard::mayBeFile(const QUrl &url)
+bool FileRedirectRefuser::mayBeFile(const QUrl &url)
 {
     static const QStringList others = QStringList()
         << QLatin1String("http") << QLatin1String("https") << QLatin1String("ftp") << QLatin1String("data");
     return !others.contains(url.scheme().toLower());
 }
 
-void FileGuard::look()
+void FileRedirectRefuser::look()
 {
     const QUrl target = m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (!target.isValid() || !mayBeFile(m_reply->url().resolved(target)))
@@ -58,7 +58,7 @@ void FileGuard::look()
 }
 
 // It may have come to its end by itself before it was aborted.
-void FileGuard::end()
+void FileRedirectRefuser::end()
 {
     if (m_isRefused && m_reply->error() == QNetworkReply::NoError)
         (m_reply->*&OpenReply::setError)(QNetworkReply::ContentOperationNotPermittedError,

@@ -1,16 +1,16 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "browser/DeleteGuard.h"
+#include "browser/DeleteLaterFilter.h"
 
 #include <QEvent>
 
-DeleteGuard::DeleteGuard(QObject *parent)
+DeleteLaterFilter::DeleteLaterFilter(QObject *parent)
     : QObject(parent)
 {
 }
 
-bool DeleteGuard::eventFilter(QObject *, QEvent *event)
+bool DeleteLaterFilter::eventFilter(QObject *, QEvent *event)
 {
     return event->type() == QEvent::DeferredDelete;
 }
