@@ -3,8 +3,6 @@
 
 #pragma once
 
-#include "common/other/substitution.h"
-
 #include <QString>
 #include <QVariant>
 
@@ -54,13 +52,23 @@ inline QString traceText(const QVariant &value)
 template <typename T>
 QString traceText(T *pointer) = delete;
 
-/// Writes one trace line: the template with its places %1, %2, ... filled by the arguments. Does nothing at all while
-/// tracing is off.
+/// The template (ASCII) with its places %1, %2, ... filled by the values, as many as there are places, in one pass:
+/// what a value brings in is not looked at again.
+template <typename... Values>
+QString filled(const char *text, const Values &...values)
+{
+    return QString::fromLatin1(text).arg(traceText(values)...);
+}
+
+/// Writes one trace line: the template, filled by the arguments. Does nothing at all while tracing is off.
 template <typename... Args>
 void trace(const char *text, const Args &...args)
 {
-    if (!JsApiTracer::isEnabled())
-        return;
-    const QString texts[] = {traceText(args)..., QString()};
-    JsApiTracer::TRACE(Common::substituted(text, texts, sizeof...(Args)));
+    if (JsApiTracer::isEnabled())
+        JsApiTracer::TRACE(filled(text, args...));
+}
+inline void trace(const char *text)
+{
+    if (JsApiTracer::isEnabled())
+        JsApiTracer::TRACE(QString::fromLatin1(text));
 }

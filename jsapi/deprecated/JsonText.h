@@ -12,13 +12,7 @@
 /// nothing is escaped.
 namespace JsonText {
 
-/// The template with its places %1, %2, ... filled by the values.
-template <typename... Values>
-QString filled(const char *text, const Values &...values)
-{
-    const QString texts[] = {traceText(values)...};
-    return Common::substituted(text, texts, sizeof...(Values));
-}
+using ::filled;
 
 /// A list of the entries, each of which a template has ended with a comma and a line feed. The last comma stays.
 inline QString list(const QString &entries)
