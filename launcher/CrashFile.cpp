@@ -3,6 +3,8 @@
 
 #include "CrashFile.h"
 
+#include "common/other/wholewrite.h"
+
 #include <QDateTime>
 #include <QFile>
 #include <QRegularExpression>
@@ -40,25 +42,13 @@ QStringList crashFiles(int directory)
     return names;
 }
 
-bool writeAll(int file, const QByteArray &content)
-{
-    int written = 0;
-    while (written < content.size()) {
-        const ssize_t count = ::write(file, content.constData() + written, size_t(content.size() - written));
-        if (count < 0 && errno != EINTR)
-            return false;
-        written += int(qMax(count, ssize_t(0)));
-    }
-    return true;
-}
-
 bool writeNew(int directory, const QString &name, const QByteArray &content)
 {
     const QByteArray encoded = QFile::encodeName(name);
     const int file = openat(directory, encoded.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     if (file < 0)
         return false;
-    const bool isWritten = writeAll(file, content);
+    const bool isWritten = Common::writeWhole(file, content.constData(), size_t(content.size()));
     const int error = errno;
     close(file);
     if (!isWritten)

@@ -6,46 +6,13 @@
 #include "DurableFile.h"
 #include "Log.h"
 
-#include <cstdlib>
-#include <sstream>
+#include <vector>
 
 using namespace Desk;
 
 namespace {
 
 constexpr std::size_t shownOfALine = 80; // bytes
-
-// What would break a line, or the line's key, is written as % and two hexadecimal digits.
-std::string escaped(const std::string &text)
-{
-    static constexpr char digits[] = "0123456789abcdef";
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || c == '%' || c == '=') {
-            result += '%';
-            result += digits[byte >> 4];
-            result += digits[byte & 15];
-        } else {
-            result += c;
-        }
-    }
-    return result;
-}
-
-std::string unescaped(const std::string &text)
-{
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size()) {
-            result += static_cast<char>(std::strtol(text.substr(i + 1, 2).c_str(), nullptr, 16));
-            i += 2;
-        } else {
-            result += text[i];
-        }
-    }
-    return result;
-}
 
 } // namespace
 
@@ -90,19 +57,14 @@ void BootParameterStore::load()
     if (m_loaded)
         return;
     m_loaded = true;
-    std::istringstream lines(readFile(BoxPaths::bootParameters));
-    int ignored = 0;
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t separator = line.find('=');
-        if (separator != std::string::npos && separator != 0)
-            m_values[unescaped(line.substr(0, separator))] = unescaped(line.substr(separator + 1));
-        else if (ignored++ == 0)
-            log("ignored in " + std::string(BoxPaths::bootParameters)
-                + ", not key=value: " + line.substr(0, shownOfALine));
-    }
-    if (ignored > 1)
-        log("ignored in " + std::string(BoxPaths::bootParameters) + ": " + std::to_string(ignored - 1)
-            + " more lines like it");
+    std::vector<std::string> ignored;
+    m_values = readBootParameterText(readFile(BoxPaths::bootParameters), &ignored);
+    if (ignored.empty())
+        return;
+    const std::string where = "ignored in " + std::string(BoxPaths::bootParameters);
+    log(where + ", not key=value: " + ignored.front().substr(0, shownOfALine));
+    if (ignored.size() > 1)
+        log(where + ": " + std::to_string(ignored.size() - 1) + " more lines like it");
 }
 
 void BootParameterStore::save()
@@ -113,8 +75,7 @@ void BootParameterStore::save()
         if (!m_changed)
             return;
         m_changed = false;
-        for (const auto &[key, value] : m_values)
-            content += escaped(key) + '=' + escaped(value) + '\n';
+        content = bootParameterText(m_values);
     }
     const bool saved = writeDurably(BoxPaths::bootParameters, content);
     const std::lock_guard<std::mutex> lock(m_mutex);

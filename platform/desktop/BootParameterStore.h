@@ -3,10 +3,10 @@
 
 #pragma once
 
+#include "BootParameterText.h"
 #include "EventRegistry.h"
 #include "TaskQueue.h"
 
-#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -36,7 +36,7 @@ private:
 
     EventRegistry &m_events;
     std::mutex m_mutex;
-    std::map<std::string, std::string> m_values;
+    BootParameterValues m_values;
     bool m_loaded = false;
     bool m_changed = false; // since the file was written
     bool m_saveFailed = false;

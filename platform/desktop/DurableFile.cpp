@@ -5,6 +5,7 @@
 #include "Log.h"
 
 #include "common/other/regularfile.h"
+#include "common/other/wholewrite.h"
 
 #include <array>
 #include <cerrno>
@@ -26,22 +27,6 @@ bool fail(const std::string &action, const std::string &path)
     const int error = errno;
     Desk::log("cannot " + action + " " + path + ": " + std::strerror(error));
     return false;
-}
-
-bool writeAll(int file, const std::string &content)
-{
-    const char *rest = content.data();
-    std::size_t size = content.size();
-    while (size > 0) {
-        const ssize_t written = ::write(file, rest, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return false;
-        rest += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return true;
 }
 
 bool syncFolder(const std::string &path)
@@ -80,7 +65,8 @@ bool Desk::writeDurably(const std::string &path, const std::string &content)
     const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (file < 0)
         return fail("write", path);
-    const bool written = ::fchmod(file, 0644) == 0 && writeAll(file, content) && ::fsync(file) == 0;
+    const bool written =
+        ::fchmod(file, 0644) == 0 && Common::writeWhole(file, content.data(), content.size()) && ::fsync(file) == 0;
     if (!written)
         fail("write", path);
     ::close(file);
