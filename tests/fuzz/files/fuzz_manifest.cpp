@@ -4,21 +4,9 @@
 #include "FuzzInput.h"
 
 #include "config/PluginConfigParser.h"
-#include "config/SystemSettings.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
-
-// The system's settings are not those under test.
-QLocale::Language Common::getCurrentLanguage()
-{
-    return QLocale::Russian;
-}
-
-int Common::getDisplayMode()
-{
-    return 1920;
-}
 
 // The plugin's manifest and, behind a NUL, the user's one over it.
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
