@@ -46,11 +46,10 @@ int DeskRun::untilLeft()
     connectParts();
     if (m_options.trace && !TraceLevel::switchOn())
         report(QString("%1 cannot be written, so nothing is traced").arg(Places::traceLevel));
-    const QString problem = Manifest::checkResolution(Places::manifest, Places::userManifest);
-    if (!problem.isEmpty())
-        report(problem);
-    openNetGate();
     QString error;
+    if (!Manifest::checkResolution(Places::manifest, Places::userManifest, &error))
+        report(error);
+    openNetGate();
     if (!m_plugin.load(Places::plugin(), &error)) {
         report(error);
         return ExitStatus::NoPlugin;

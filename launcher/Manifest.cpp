@@ -57,13 +57,14 @@ std::optional<QSize> resolutionOf(const QString &fileName)
     return reader.hasError() ? std::nullopt : resolution;
 }
 
-// What is wrong with the resolution of a manifest, or nothing.
-QString problemOf(const QString &fileName, const QSize &resolution)
+// False, and the sentence in *error, if nothing could be seen at the resolution of a manifest.
+bool isSeenAt(const QSize &resolution, const QString &fileName, QString *error)
 {
     if (resolution.expandedTo(smallestPage) == resolution && resolution.boundedTo(largestPage) == resolution)
-        return {};
-    return QString("%1 has a resolution of %2x%3, at which the page could not be seen")
-        .arg(fileName, QString::number(resolution.width()), QString::number(resolution.height()));
+        return true;
+    *error = QString("%1 has a resolution of %2x%3, at which the page could not be seen")
+                 .arg(fileName, QString::number(resolution.width()), QString::number(resolution.height()));
+    return false;
 }
 
 QTextCodec *codecOf(const QByteArray &content)
@@ -90,48 +91,54 @@ void choose(ManifestText *manifest, const QString &page, const QString &portalPa
 
 } // namespace
 
-QString Manifest::setHomePage(const QString &fileName, const QString &page, const QString &portalPage)
+bool Manifest::setHomePage(const QString &fileName, const QString &page, const QString &portalPage, QString *error)
 {
-    QString error;
-    const std::optional<QByteArray> found = contentOf(fileName, &error);
+    const std::optional<QByteArray> found = contentOf(fileName, error);
     if (!found)
-        return error;
+        return false;
     const QByteArray &content = *found;
     const QByteArray mark = content.startsWith(byteOrderMark) ? byteOrderMark : "";
     QTextCodec *codec = codecOf(content);
     const QString text = codec->toUnicode(content);
-    if (mark + codec->fromUnicode(text) != content)
-        return QString("%1 is malformed (it is not in its encoding, %2)")
-            .arg(fileName, QString::fromLatin1(codec->name()));
+    if (mark + codec->fromUnicode(text) != content) {
+        *error = QString("%1 is malformed (it is not in its encoding, %2)")
+                     .arg(fileName, QString::fromLatin1(codec->name()));
+        return false;
+    }
     ManifestText manifest(text);
-    if (!manifest.isValid())
-        return QString("%1 is malformed (%2)").arg(fileName, manifest.errorString());
+    if (!manifest.isValid()) {
+        *error = QString("%1 is malformed (%2)").arg(fileName, manifest.errorString());
+        return false;
+    }
 
     choose(&manifest, page, portalPage);
     const QByteArray changed = mark + codec->fromUnicode(manifest.text());
     if (changed == content)
-        return {};
+        return true;
     QSaveFile replacement(fileName);
-    if (!replacement.open(QIODevice::WriteOnly) || replacement.write(changed) != changed.size()
-        || !replacement.commit())
-        return QString("%1 cannot be written (%2)").arg(fileName, replacement.errorString());
-    return {};
+    if (replacement.open(QIODevice::WriteOnly) && replacement.write(changed) == changed.size() && replacement.commit())
+        return true;
+    *error = QString("%1 cannot be written (%2)").arg(fileName, replacement.errorString());
+    return false;
 }
 
-QString Manifest::checkResolution(const QString &fileName, const QString &userFileName)
+bool Manifest::checkResolution(const QString &fileName, const QString &userFileName, QString *error)
 {
     const std::optional<QSize> resolution = resolutionOf(fileName);
     const std::optional<QSize> userResolution = resolutionOf(userFileName);
     if (!userResolution) {
-        const QString problem = resolution ? problemOf(fileName, *resolution) : QString();
-        return problem.isEmpty() ? problem : problem + "; give it one such as 1280x720";
+        if (!resolution || isSeenAt(*resolution, fileName, error))
+            return true;
+        *error += "; give it one such as 1280x720";
+        return false;
     }
-    const QString problem = problemOf(userFileName, *userResolution);
-    if (problem.isEmpty())
-        return {};
+    if (isSeenAt(*userResolution, userFileName, error))
+        return true;
     const QString putAside = userFileName + ".unusable";
     QFile::remove(putAside);
-    if (!QFile::rename(userFileName, putAside))
-        return problem + "; remove it";
-    return problem + QString("; it is now %1, and the plugin's own resolution is used").arg(putAside);
+    if (QFile::rename(userFileName, putAside))
+        *error += QString("; it is now %1, and the plugin's own resolution is used").arg(putAside);
+    else
+        *error += "; remove it";
+    return false;
 }

@@ -101,8 +101,7 @@ int runOutside(int argc, char **argv)
     const int filled = box.fill();
     if (filled != ExitStatus::Done)
         return filled;
-    error = Manifest::setHomePage(box.path() + Places::manifest, options.page, options.portal);
-    if (!error.isEmpty())
+    if (!Manifest::setHomePage(box.path() + Places::manifest, options.page, options.portal, &error))
         report(error + "; the plugin is started with it as it is");
     const TraceLevel traceLevel(box.path());
     report(QString("%1, box %2")

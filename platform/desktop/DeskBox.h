@@ -60,8 +60,9 @@ DESKBOX_EXPORT GraphicsLayer graphicsLayer();
 DESKBOX_EXPORT std::vector<PlayerWindow> playerWindows();
 
 /// Has handler called whenever the answer of graphicsLayer() or playerWindows() may have changed, a new frame included.
-/// It is called on threads of the library or of a KVR_ caller, possibly several at once, and must return soon. An empty
-/// handler ends it; no call is running any more when this returns.
+/// It is called on threads of the library or of a KVR_ caller, possibly several at once, and must return soon; a
+/// player's lock may be held, so it calls no KVR_ function. An empty handler ends it; no call is running any more when
+/// this returns.
 DESKBOX_EXPORT void setScreenHandler(std::function<void()> handler);
 
 /// The text that KVR_GetDeviceModel hands out. "MZ-600 desk" until set.

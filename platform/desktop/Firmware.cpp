@@ -38,7 +38,7 @@ struct Image
     CURL *transfer = nullptr;
     std::FILE *file = nullptr;
     std::int64_t received = 0;
-    std::string problem;
+    Problem problem;
 };
 
 int breakOff(void *finishing, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
@@ -53,7 +53,7 @@ std::int64_t promisedSize(CURL *transfer)
     return size;
 }
 
-std::string problemOfPromise(CURL *transfer)
+Problem problemOfPromise(CURL *transfer)
 {
     const std::int64_t size = promisedSize(transfer);
     if (size < 0)
@@ -67,7 +67,7 @@ std::size_t takeBytes(const char *data, std::size_t, std::size_t size, void *tar
     Image &image = *static_cast<Image *>(target);
     if (image.received == 0)
         image.problem = problemOfPromise(image.transfer);
-    if (!image.problem.empty())
+    if (image.problem)
         return 0;
     const std::size_t written = std::fwrite(data, 1, size, image.file);
     if (written < size)
@@ -92,8 +92,8 @@ void prepare(CURL *transfer, const std::string &url, char *error)
     curl_easy_setopt(transfer, CURLOPT_ERRORBUFFER, error);
 }
 
-// Fetches the whole of url into target. The reason when that fails, an empty text when it does not.
-std::string download(const std::string &url, std::FILE *target, std::atomic<bool> &finishing)
+// Fetches the whole of url into target.
+Problem download(const std::string &url, std::FILE *target, std::atomic<bool> &finishing)
 {
     const Transfer transfer(curl_easy_init(), curl_easy_cleanup);
     if (!transfer)
@@ -110,10 +110,10 @@ std::string download(const std::string &url, std::FILE *target, std::atomic<bool
     curl_easy_setopt(transfer.get(), CURLOPT_NOPROGRESS, 0L);
 
     const CURLcode result = curl_easy_perform(transfer.get());
-    if (!image.problem.empty())
+    if (image.problem)
         return image.problem;
     if (result != CURLE_OK)
-        return *error ? error : curl_easy_strerror(result);
+        return *error ? std::string(error) : curl_easy_strerror(result);
     const std::int64_t promised = promisedSize(transfer.get());
     if (promised < 0)
         return sizeUntold;
@@ -121,7 +121,7 @@ std::string download(const std::string &url, std::FILE *target, std::atomic<bool
         return std::to_string(image.received) + " of " + std::to_string(promised) + " bytes arrived";
     if (std::fflush(target) != 0 || ::fsync(::fileno(target)) != 0)
         return std::strerror(errno);
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
@@ -156,7 +156,7 @@ void Firmware::fetch(const std::string &url)
     const std::string partial = image + ".part";
     // It is made anew, and is no pipe or link that somebody has put there.
     ::unlink(partial.c_str());
-    std::string problem;
+    Problem problem;
     if (!makeFolderOf(image)) {
         problem = "no folder for it";
     } else if (const File file(std::fopen(partial.c_str(), "wbxe"), std::fclose); !file) {
@@ -164,13 +164,13 @@ void Firmware::fetch(const std::string &url)
     } else {
         problem = download(url, file.get(), m_finishing);
     }
-    if (problem.empty() && !renameDurably(partial, image))
+    if (!problem && !renameDurably(partial, image))
         problem = "the image could not be stored";
 
-    if (problem.empty()) {
-        log("firmware upgrade from " + url + " done, the image is " + image);
-    } else {
+    if (problem) {
         ::unlink(partial.c_str());
-        log("firmware upgrade from " + url + " failed: " + problem);
+        log("firmware upgrade from " + url + " failed: " + *problem);
+    } else {
+        log("firmware upgrade from " + url + " done, the image is " + image);
     }
 }

@@ -103,7 +103,7 @@ MagnetDownload::~MagnetDownload()
         log("cannot remove " + m_folder + ": " + error.message());
 }
 
-std::string MagnetDownload::problem() const
+Problem MagnetDownload::problem() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_problem;
@@ -191,9 +191,8 @@ void MagnetDownload::chooseFile(const std::shared_ptr<const lt::torrent_info> &i
         return fail("the torrent has no file " + m_wanted);
 
     const std::int64_t size = files.file_size(chosen);
-    const std::string tooLarge = problemOfSize(size, largestFile, m_folder);
-    if (!tooLarge.empty())
-        return fail(tooLarge);
+    if (const Problem tooLarge = problemOfSize(size, largestFile, m_folder))
+        return fail(*tooLarge);
 
     std::vector<lt::download_priority_t> priorities(static_cast<std::size_t>(files.num_files()), lt::dont_download);
     priorities[static_cast<std::size_t>(static_cast<int>(chosen))] = lt::default_priority;
@@ -211,7 +210,7 @@ void MagnetDownload::chooseFile(const std::shared_ptr<const lt::torrent_info> &i
 void MagnetDownload::fail(const std::string &reason)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_problem.empty())
+    if (!m_problem)
         m_problem = reason;
     m_arrived.notify_all();
 }
@@ -236,7 +235,7 @@ std::int64_t MagnetDownload::read(std::int64_t position, char *buffer, std::int6
     const int piece = static_cast<int>(inTorrent / m_pieceLength);
     if (piece != m_piece && piece != m_requestedPiece)
         request(piece);
-    m_arrived.wait(lock, [&] { return m_piece == piece || !m_problem.empty() || cancelled; });
+    m_arrived.wait(lock, [&] { return m_piece == piece || m_problem || cancelled; });
     if (m_piece != piece)
         return -1;
 

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "Problem.h"
+
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
@@ -33,8 +35,8 @@ public:
     /// Leaves the swarm and removes the files. Takes up to some seconds.
     ~MagnetDownload();
 
-    /// Why the download cannot go on, or an empty text.
-    std::string problem() const;
+    /// Why the download cannot go on.
+    Problem problem() const;
 
     /// Whether the file is known and can be read: true once.
     bool takeReady();
@@ -64,7 +66,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::condition_variable m_arrived;
-    std::string m_problem;
+    Problem m_problem;
     bool m_ready = false;
     bool m_readyTaken = false;
     std::int64_t m_fileOffset = 0; // of the file in the torrent

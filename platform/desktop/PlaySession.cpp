@@ -75,9 +75,8 @@ void PlaySession::watchMagnet()
 {
     if (m_magnet->takeProgress())
         madeProgress();
-    const std::string problem = m_magnet->problem();
-    if (!problem.empty()) {
-        fail(problem);
+    if (const Problem problem = m_magnet->problem()) {
+        fail(*problem);
     } else if (m_magnet->takeReady()) {
         madeProgress();
         load(MagnetStream::address);

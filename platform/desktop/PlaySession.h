@@ -7,6 +7,7 @@
 #include "MpvCore.h"
 #include "PlayRequest.h"
 #include "PlayerModel.h"
+#include "Problem.h"
 #include "Rewind.h"
 
 #include <chrono>
@@ -49,7 +50,7 @@ public:
     bool hasEnded() const { return m_ended; }
 
     /// Whether there is something to be done that does not wait for the core.
-    bool isFailing() const { return !m_failure.empty(); }
+    bool isFailing() const { return m_failure.has_value(); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -115,7 +116,7 @@ private:
     Rewind m_rewind;
     bool m_rewindSeeking = false;
     std::string m_complaints; // of the core
-    std::string m_failure;    // why the core has given up
+    Problem m_failure;        // why the core has given up
     std::string m_group;      // multicast group that was joined
     double m_from;            // seconds, where playing began or was last sent to
     double m_duration = 0;    // seconds

@@ -77,7 +77,7 @@ void PlaySession::failAsReported()
     const std::string reason = remote ? diagnose(m_request.address) : std::string();
     if (!reason.empty())
         m_complaints = reason;
-    fail(m_failure);
+    fail(m_failure.value_or(std::string()));
 }
 
 void PlaySession::complained(const std::string &text)

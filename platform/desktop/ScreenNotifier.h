@@ -18,7 +18,7 @@ public:
     /// Returns when no call of the handler before is running any more, so the handler itself must not call this.
     void setHandler(Handler handler);
 
-    /// Any thread, no lock held.
+    /// Any thread. A player's lock, or that of the layout, may be held.
     void notify();
 
 private:

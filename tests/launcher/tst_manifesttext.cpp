@@ -142,9 +142,10 @@ void TestManifestText::theHomePageFollowsTheCommandLine()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(form.arg(before).toUtf8());
     file.close();
-    QCOMPARE(Manifest::setHomePage(m_file, page, portalPage), QString());
+    QString error;
+    QVERIFY2(Manifest::setHomePage(m_file, page, portalPage, &error), qPrintable(error));
     QCOMPARE(contentOf(m_file), form.arg(after).toUtf8());
-    QCOMPARE(Manifest::setHomePage(m_file, page, portalPage), QString());
+    QVERIFY2(Manifest::setHomePage(m_file, page, portalPage, &error), qPrintable(error));
     QCOMPARE(contentOf(m_file), form.arg(after).toUtf8());
 }
 
@@ -164,7 +165,8 @@ void TestManifestText::aMalformedManifestIsLeftAlone()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
     file.close();
-    const QString error = Manifest::setHomePage(m_file, "http://a/", portalPage);
+    QString error;
+    QVERIFY(!Manifest::setHomePage(m_file, "http://a/", portalPage, &error));
     QVERIFY2(error.startsWith(m_file + " is malformed ("), qPrintable(error));
     QVERIFY(!error.contains('\n'));
     QCOMPARE(contentOf(m_file), content);
@@ -178,7 +180,8 @@ void TestManifestText::otherEncodingsAreKept()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(QByteArray(form).replace("%1", ""));
     file.close();
-    QCOMPARE(Manifest::setHomePage(m_file, "http://a/", portalPage), QString());
+    QString error;
+    QVERIFY2(Manifest::setHomePage(m_file, "http://a/", portalPage, &error), qPrintable(error));
     QCOMPARE(contentOf(m_file), QByteArray(form).replace("%1", " src=\"http://a/\" desk-page=\"\""));
 }
 
@@ -188,14 +191,16 @@ void TestManifestText::aByteOrderMarkIsKept()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("\xef\xbb\xbf<a><p type='homepage' src='x'/></a>");
     file.close();
-    QCOMPARE(Manifest::setHomePage(m_file, "http://a/", portalPage), QString());
+    QString error;
+    QVERIFY2(Manifest::setHomePage(m_file, "http://a/", portalPage, &error), qPrintable(error));
     QCOMPARE(contentOf(m_file),
              QByteArray("\xef\xbb\xbf<a><p type='homepage' src=\"http://a/\" desk-page=\"x\"/></a>"));
 }
 
 void TestManifestText::aMissingManifestIsNamed()
 {
-    const QString error = Manifest::setHomePage(m_folder.filePath("none.xml"), "http://a/", portalPage);
+    QString error;
+    QVERIFY(!Manifest::setHomePage(m_folder.filePath("none.xml"), "http://a/", portalPage, &error));
     QVERIFY2(error.startsWith(m_folder.filePath("none.xml") + " cannot be read ("), qPrintable(error));
 }
 
