@@ -58,8 +58,8 @@ int main(int argc, char **argv)
     QObject::connect(&application, &QApplication::aboutToQuit, &counter, &PictureCounter::print);
     const Options options = Options::fromCommandLine();
     // Where it can be changed, as from outside.
-    const QString error = Manifest::setHomePage(qEnvironmentVariable("KAVRO_BOX") + Places::manifest, options.page, {});
-    if (!error.isEmpty())
+    QString error;
+    if (!Manifest::setHomePage(qEnvironmentVariable("KAVRO_BOX") + Places::manifest, options.page, {}, &error))
         qFatal("%s", qPrintable(error));
     Channel channel(-1);
     return DeskRun(options, &channel).untilLeft();
