@@ -4,10 +4,17 @@
 #include "browser/FrameProtection.h"
 
 #include "browser/PageScript.h"
+#include "common/other/qtcompat.h"
 
 #include <QUndoStack>
 #include <QWebFrame>
 #include <QWebPage>
+
+void FrameProtection::addTo(QWebPage *page)
+{
+    if (QtCompat::engineNeedsProtection)
+        new FrameProtection(page);
+}
 
 FrameProtection::FrameProtection(QWebPage *page)
     : QObject(page)
@@ -31,5 +38,6 @@ void FrameProtection::watch(QWebFrame *frame)
 
 void FrameProtection::runScript()
 {
-    static_cast<QWebFrame *>(sender())->evaluateJavaScript(pageScript("frames"));
+    static const QString script = pageScript("frames");
+    static_cast<QWebFrame *>(sender())->evaluateJavaScript(script);
 }

@@ -15,11 +15,14 @@ class FrameProtection : public QObject
     Q_OBJECT
 
 public:
-    /// The page becomes its parent.
-    explicit FrameProtection(QWebPage *page);
+    /// Protects the page as long as it lives, if its engine needs it.
+    static void addTo(QWebPage *page);
 
 private slots:
     void forgetEdits();
     void watch(QWebFrame *frame);
     void runScript();
+
+private:
+    explicit FrameProtection(QWebPage *page);
 };

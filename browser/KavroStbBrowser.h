@@ -3,33 +3,23 @@
 
 #pragma once
 
+#include "browser/KeyDelay.h"
+
 #include <QList>
 #include <QSslError>
-#include <QTime>
 #include <QUrl>
 #include <QWebView>
 
-class CaBundle;
-class PageEvents;
-class PageGuards;
-class QFileSystemWatcher;
+#include <memory>
+
+class PageLoader;
 class QNetworkReply;
-class QTimer;
-class QWebFrame;
+class ScriptObjects;
+class TraceFile;
 
-namespace KavroJS {
-class StbDisplay;
-class StbMedia;
-class StbPVR;
-} // namespace KavroJS
-
-namespace KavroJSDeprecated {
-class stb_display;
-class stb_media;
-} // namespace KavroJSDeprecated
-
-/// The one web view: loads the portal, keeps trying while it cannot be loaded, gives the page its script objects and
-/// brings it the platform's events.
+/// The one web view. What it does has classes of its own: PageLoader loads the portal, ScriptObjects gives it its
+/// script objects and the platform's events, TraceFile watches for the technician, KeyDelay thins out the keys. Its
+/// slots are what these, the page, the platform and the launcher reach them by.
 class KavroStbBrowser : public QWebView
 {
     Q_OBJECT
@@ -64,42 +54,14 @@ private slots:
     void onLoadProgress();
 
 private:
-    void watchDebugFile();
-    void setUpWebSettings();
+    static void setUpWebSettings();
     void addShortcuts();
-    void createScriptObjects();
     void createPage();
     void connectPageToPlatform();
-    void createTimers();
-    void dumpPage(bool isLoaded);
-    void retryOrGiveUp();
-    void leavePage();
-    void addGuards(QWebFrame *frame);
 
-    /// One of the five, and its name in pages.
-    struct ScriptObject
-    {
-        const char *name;
-        QObject *object;
-    };
-
-    KavroJS::StbMedia *media;
-    KavroJS::StbDisplay *display;
-    KavroJS::StbPVR *pvr;
-    KavroJSDeprecated::stb_media *deprecatedMedia;
-    KavroJSDeprecated::stb_display *deprecatedDisplay;
-    QList<ScriptObject> scriptObjects;
-    CaBundle *caBundle;
-    PageEvents *pageEvents; ///< of the current page; null before the first
-    PageGuards *pageGuards; ///< of the current page; null before the first, and where pages need none
-    QString jsCallbackCode; ///< script to run after each platform event
-    QTimer *reloadTimer;
-    QTimer *errorPageTimer; ///< runs out when a load makes no progress
-    QUrl errorPageUrl;
-    int retryCount;     ///< failed loads so far; never reset
-    bool errorPageMode; ///< the error page has been asked for; never cleared
-    QFileSystemWatcher *debugFileWatcher;
-    QTime lastKeyTime; ///< of the last key press that reached the page
-    int lastKey;
-    int keyDelay; ///< least time in ms between presses of one key; 0 lets all through
+    // They end before the view does, whose page could still call for them.
+    std::unique_ptr<TraceFile> traceFile;
+    std::unique_ptr<ScriptObjects> scriptObjects;
+    std::unique_ptr<PageLoader> loader;
+    KeyDelay keyDelay;
 };

@@ -9,9 +9,17 @@
 
 PageEvents::PageEvents(QWebFrame *frame, const QString &mediaName, QObject *parent)
     : QObject(parent)
+    , m_frame(frame)
 {
+    static const QString script = pageScript("events");
     frame->addToJavaScriptWindowObject(mediaName, this);
-    frame->evaluateJavaScript(pageScript("events"));
+    frame->evaluateJavaScript(script);
+}
+
+void PageEvents::addSetter()
+{
+    static const QString script = pageScript("callback");
+    m_frame->evaluateJavaScript(script);
 }
 
 void PageEvents::deliver(int argument, int code)

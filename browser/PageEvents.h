@@ -18,9 +18,14 @@ public:
     /// eventCallback the page sets.
     PageEvents(QWebFrame *frame, const QString &mediaName, QObject *parent);
 
+    /// Gives the script object that has taken its place the method that sets the eventCallback.
+    void addSetter();
     /// Calls the page's eventCallback, if it has one.
     void deliver(int argument, int code);
 
 signals:
     void occurred(int argument, int code);
+
+private:
+    QWebFrame *m_frame;
 };

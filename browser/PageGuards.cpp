@@ -25,9 +25,10 @@ void PageGuards::add(const QString &name, QObject *object)
 
 void PageGuards::finish(KavroJS::StbPVR *pvr)
 {
+    static const QString script = pageScript("guards");
     m_frame->addToJavaScriptWindowObject(QLatin1String("pageGuards"), this);
     m_frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), new RecordTimes(pvr, this));
-    m_frame->evaluateJavaScript(pageScript("guards"));
+    m_frame->evaluateJavaScript(script);
 }
 
 QObject *PageGuards::guarded(const QString &name)

@@ -14,9 +14,9 @@
 #include <QSslSocket>
 #include <QUrl>
 
-StbWebNam::StbWebNam(QObject *parent, CaBundle *bundle)
+StbWebNam::StbWebNam(QObject *parent)
     : QNetworkAccessManager(parent)
-    , bundle(bundle)
+    , bundle(new CaBundle(this))
 {
 }
 
@@ -37,8 +37,7 @@ QNetworkReply *StbWebNam::createRequest(Operation op, const QNetworkRequest &req
 
 QNetworkRequest StbWebNam::withTls(const QNetworkRequest &request) const
 {
-    if (bundle)
-        bundle->require();
+    bundle->require();
     QNetworkRequest changed(request);
     QSslConfiguration configuration = changed.sslConfiguration();
     QtCompat::setTls10(configuration);

@@ -14,8 +14,7 @@ class StbWebNam : public QNetworkAccessManager
     Q_OBJECT
 
 public:
-    /// bundle: what is waited for before the default certificates are used.
-    explicit StbWebNam(QObject *parent, CaBundle *bundle = nullptr);
+    explicit StbWebNam(QObject *parent);
 
 protected:
     QNetworkReply *createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData) override;
@@ -23,5 +22,5 @@ protected:
 private:
     QNetworkRequest withTls(const QNetworkRequest &request) const;
 
-    CaBundle *const bundle;
+    CaBundle *bundle; ///< is waited for before the default certificates are used
 };

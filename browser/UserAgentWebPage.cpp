@@ -3,8 +3,12 @@
 
 #include "browser/UserAgentWebPage.h"
 
+#include "browser/StbWebNam.h"
+#include "jsapi/LocalStorage.h"
+
 #include <QDebug>
 #include <QKeyEvent>
+#include <QWebSettings>
 
 namespace {
 
@@ -16,6 +20,18 @@ void reportIgnored()
 }
 
 } // namespace
+
+UserAgentWebPage *UserAgentWebPage::create(QObject *parent)
+{
+    // The engine decides where a page's storage is kept when it makes the page, before the page can switch it on.
+    QWebSettings *settings = QWebSettings::globalSettings();
+    const QString storagePath = settings->localStoragePath();
+    settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
+    UserAgentWebPage *page = new UserAgentWebPage(parent);
+    settings->setLocalStoragePath(storagePath);
+    page->setNetworkAccessManager(new StbWebNam(parent));
+    return page;
+}
 
 UserAgentWebPage::UserAgentWebPage(QObject *parent)
     : QWebPage(parent)

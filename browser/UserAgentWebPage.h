@@ -9,7 +9,8 @@
 class UserAgentWebPage : public QWebPage
 {
 public:
-    explicit UserAgentWebPage(QObject *parent);
+    /// A page with its network access. The parent becomes that of both.
+    static UserAgentWebPage *create(QObject *parent);
 
     bool event(QEvent *event) override;
     void triggerAction(WebAction action, bool checked = false) override;
@@ -20,4 +21,7 @@ protected:
     void javaScriptAlert(QWebFrame *frame, const QString &text) override;
     bool javaScriptConfirm(QWebFrame *frame, const QString &text) override;
     bool javaScriptPrompt(QWebFrame *frame, const QString &text, const QString &value, QString *result) override;
+
+private:
+    explicit UserAgentWebPage(QObject *parent);
 };
