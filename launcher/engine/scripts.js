@@ -100,15 +100,18 @@ var scripts = (function () {
             if (value && typeof value.type === 'string')
                 open.push(value);
         }
+        function addChildren(parent) {
+            Object.keys(parent).forEach(function (key) {
+                if (Array.isArray(parent[key]))
+                    parent[key].forEach(add);
+                else
+                    add(parent[key]);
+            });
+        }
         while (open.length) {
             var node = open.pop();
             visit(node);
-            Object.keys(node).forEach(function (key) {
-                if (Array.isArray(node[key]))
-                    node[key].forEach(add);
-                else
-                    add(node[key]);
-            });
+            addChildren(node);
         }
     }
 

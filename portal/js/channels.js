@@ -12,7 +12,7 @@ var Channels = (function () {
         return link.href;
     }
 
-    function channel(number, name, about, address) {
+    function makeChannel(number, name, about, address) {
         var self = { number: number, name: name, about: about, address: absolute(address), isLive: true };
         self.start = function (player) {
             return StbMedia.PlayHttp(player, self.address, '');
@@ -21,9 +21,9 @@ var Channels = (function () {
     }
 
     var all = [
-        channel(1, 'Test card', 'Two languages, two subtitles', 'media/testcard.mkv'),
-        channel(2, 'Life', 'Cells are born, live and die', 'media/life.mkv'),
-        channel(3, 'Clock', 'It ticks', 'media/clock.mkv')
+        makeChannel(1, 'Test card', 'Two languages, two subtitles', 'media/testcard.mkv'),
+        makeChannel(2, 'Life', 'Cells are born, live and die', 'media/life.mkv'),
+        makeChannel(3, 'Clock', 'It ticks', 'media/clock.mkv')
     ];
 
     // The channel with this address; undefined if there is none.

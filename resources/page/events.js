@@ -20,7 +20,7 @@
 
     StbMedia.occurred.connect(function (argument, code) {
         try {
-            if (typeof StbMedia.eventCallback != 'undefined')
+            if (typeof StbMedia.eventCallback !== 'undefined')
                 StbMedia.eventCallback(argument, code);
         } catch (error) {
             thrown = error;

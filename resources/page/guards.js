@@ -21,6 +21,7 @@
     var create = Object.create;
     var isArray = Array.isArray;
     var toString = Object.prototype.toString;
+    var hasOwnProperty = Object.prototype.hasOwnProperty;
     var getTime = Date.prototype.getTime;
     var exec = RegExp.prototype.exec;
     var DateObject = Date;
@@ -86,7 +87,7 @@
         }
         var asker = create(null);
         asker.toString = function () { var text = StringObject(value); return text; };
-        asker.valueOf = function () { var number = +value; return number; };
+        asker.valueOf = function () { var converted = +value; return converted; };
         return asker;
     }
 
@@ -341,12 +342,12 @@
                 return;
             }
             addMethod(guard, name, methodFor(target, name, slot, rules[slot]));
-            if (!guard.hasOwnProperty(slot))
+            if (!hasOwnProperty.call(guard, slot))
                 addMethod(guard, slot, methodFor(target, slot, slot, rules[slot]));
         });
         // The engine looks the members of an object with so many up anew at each use, until it has gone through it as a
         // prototype.
-        for (var name in create(guard))
+        for (var name in create(guard)) // eslint-disable-line no-unused-vars -- a loop needs one
             break;
     });
 })();

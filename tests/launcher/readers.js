@@ -67,10 +67,10 @@ var readers = {
         });
     },
     listing: function (url, path, got) {
-        got(String(StbDisplay.ListFiles('..' + path.replace(/[^\/]*$/, ''))).indexOf('file.txt') >= 0);
+        got(String(StbDisplay.ListFiles('..' + path.replace(/[^/]*$/, ''))).indexOf('file.txt') >= 0);
     },
     'older listing': function (url, path, got) {
-        got(String(stb_display.ListFiles('/../..' + path.replace(/[^\/]*$/, ''))).indexOf('file.txt') >= 0);
+        got(String(stb_display.ListFiles('/../..' + path.replace(/[^/]*$/, ''))).indexOf('file.txt') >= 0);
     }
 };
 

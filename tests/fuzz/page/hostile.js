@@ -128,8 +128,8 @@ var hostile = (function () {
         // Without a list of them, whose functions a page may have changed.
         node: function (number) {
             var count = 1;
-            for (var all = walker(); count < mostElements && all.nextNode(); ++count) {
-            }
+            for (var all = walker(); count < mostElements && all.nextNode();)
+                ++count;
             var found = walker();
             for (var i = number % count; i > 0; --i)
                 found.nextNode();
