@@ -4,7 +4,7 @@
 #include "browser/UserAgentWebPage.h"
 
 #include "browser/StbWebNam.h"
-#include "jsapi/LocalStorage.h"
+#include "jsapi/StoragePath.h"
 
 #include <QDebug>
 #include <QKeyEvent>

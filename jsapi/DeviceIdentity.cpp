@@ -3,13 +3,18 @@
 
 #include "jsapi/DeviceIdentity.h"
 
+#include "common/other/plainfile.h"
 #include "platform/stbapi.h"
 
 #include <QNetworkInterface>
+#include <QTextStream>
 
 #include <cstdlib>
 
 namespace {
+
+const char versionFile[] = "/home/user/version";
+const int versionLength = 32; // characters
 
 QNetworkInterface wiredNetwork()
 {
@@ -27,6 +32,15 @@ QString DeviceIdentity::ipAddress()
 {
     const QList<QNetworkAddressEntry> entries = wiredNetwork().addressEntries();
     return entries.isEmpty() ? QString::fromLatin1("") : entries.first().ip().toString();
+}
+
+QString DeviceIdentity::versionInFile()
+{
+    const QString path = QLatin1String(versionFile);
+    Common::PlainFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString::fromLatin1("");
+    return QTextStream(&file).readLine(versionLength);
 }
 
 QString DeviceIdentity::platformText(TextQuery query, const char *fallback)

@@ -5,13 +5,16 @@
 
 #include <QString>
 
-/// What the box is called, and its address on the network.
+/// What the box is called, its version, and its address on the network.
 namespace DeviceIdentity {
 
 /// Of the wired network, in lower case; empty without one.
 QString hardwareAddress();
 /// The first address of the wired network; empty without one.
 QString ipAddress();
+
+/// Of its software, as a file of the box tells it; empty without one.
+QString versionInFile();
 
 typedef int (*TextQuery)(char **text);
 

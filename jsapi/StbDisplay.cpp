@@ -4,7 +4,6 @@
 #include "jsapi/StbDisplay.h"
 
 #include "browser/bridge/JsApiTracer.h"
-#include "jsapi/DisplayCallbacks.h"
 #include "jsapi/FailureMap.h"
 #include "jsapi/GraphicsLayer.h"
 #include "jsapi/PageLog.h"
@@ -33,36 +32,12 @@ void StbDisplay::destroyInstance()
 
 StbDisplay::StbDisplay()
     : logFile(new PageLog(this))
-    , savedSyncHandler(takeOver(KVR_EVENT_SYNC_DONE, syncdonecb))
-    // Nobody hears of output ports while pages are in charge of them.
-    , savedOutputPortHandler(takeOver(KVR_EVENT_OUTPUT_STATE, nullptr))
-    , savedHdmiHandler(takeOver(KVR_EVENT_HDMI, hdmicb))
 {
 }
 
 StbDisplay::~StbDisplay()
 {
-    giveBack(KVR_EVENT_SYNC_DONE, savedSyncHandler);
-    giveBack(KVR_EVENT_OUTPUT_STATE, savedOutputPortHandler);
-    giveBack(KVR_EVENT_HDMI, savedHdmiHandler);
     logFile->close();
-}
-
-KVR_EventHandler StbDisplay::takeOver(int event, KVR_EventHandler handler)
-{
-    const KVR_EventHandler before = KVR_GetEventHandler(KVR_BOX, event);
-    if (before)
-        KVR_DeleteEventHandler(KVR_BOX, event);
-    if (handler)
-        KVR_RegisterEventHandler(KVR_BOX, event, handler);
-    return before;
-}
-
-void StbDisplay::giveBack(int event, KVR_EventHandler handler)
-{
-    KVR_DeleteEventHandler(KVR_BOX, event);
-    if (handler)
-        KVR_RegisterEventHandler(KVR_BOX, event, handler);
 }
 
 int StbDisplay::SetGraphicsViewport(int x, int y, int w, int h)

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/stbapi.h"
+#include "jsapi/OutputHandlers.h"
 
 #include <QObject>
 #include <QString>
@@ -80,13 +80,8 @@ public slots:
     int Log(QString Log);
 
 private:
-    KVR_EventHandler takeOver(int event, KVR_EventHandler handler);
-    void giveBack(int event, KVR_EventHandler handler);
-
     PageLog *logFile;
-    KVR_EventHandler savedSyncHandler; ///< null if there was none, as the other two
-    KVR_EventHandler savedOutputPortHandler;
-    KVR_EventHandler savedHdmiHandler;
+    OutputHandlers outputHandlers;
 
     static StbDisplay *inst_;
 };

@@ -7,9 +7,9 @@
 
 #include "browser/bridge/JsApiTracer.h"
 #include "jsapi/BootParameters.h"
+#include "jsapi/BoxCommand.h"
 #include "jsapi/DeviceIdentity.h"
-#include "jsapi/LocalStorage.h"
-#include "jsapi/Reboot.h"
+#include "jsapi/StoragePath.h"
 
 #include <QWebSettings>
 
@@ -92,7 +92,7 @@ int StbDisplay::EnableHtml5LocalStorage(bool isEnabled)
 int StbDisplay::Reboot()
 {
     trace("StbDisplay.Reboot()");
-    rebootBox();
+    BoxCommand::reboot();
     return 0;
 }
 

@@ -6,7 +6,7 @@
 #include "jsapi/StbDisplay.h"
 
 #include "browser/bridge/JsApiTracer.h"
-#include "jsapi/CustomScript.h"
+#include "jsapi/BoxCommand.h"
 #include "jsapi/FailureMap.h"
 #include "jsapi/PageLog.h"
 #include "jsapi/StoragePath.h"
@@ -42,7 +42,7 @@ QVariant StbDisplay::ListDirs(QString dir)
 QVariant StbDisplay::ExecBlocking(QString cmd, QString args)
 {
     trace("StbDisplay.ExecBlocking(%1, %2)", cmd, args);
-    return CustomScript::run(cmd, args);
+    return BoxCommand::runScript(cmd, args);
 }
 
 int StbDisplay::Debug(QString Debug)

@@ -4,6 +4,7 @@
 #include "jsapi/StoragePath.h"
 
 const char storageRoot[] = "/mnt/stb";
+const char localStorageDirectory[] = "/home/user/config/html5localstorage";
 
 QString storagePath(const QString &path)
 {

@@ -9,6 +9,9 @@
 /// Where the box keeps files for pages.
 extern const char storageRoot[];
 
+/// Where the HTML5 local storage of pages is kept, once a page has switched it on.
+extern const char localStorageDirectory[];
+
 /// The path as the platform's players take it: put below the storage root unless the root occurs in it somewhere. No
 /// separator is added.
 QString storagePath(const QString &path);

@@ -4,43 +4,12 @@
 #include "jsapi/deprecated/stb_media.h"
 
 #include "browser/bridge/JsApiTracer.h"
-#include "jsapi/PlatformRecords.h"
 #include "jsapi/PlayerCallbacks.h"
 #include "jsapi/StoragePath.h"
 #include "jsapi/deprecated/JsonText.h"
 #include "platform/stbapi.h"
 
 #include <utility>
-
-namespace {
-
-// The same answer in two spellings, each of which old portals compare with.
-const char invalidIdOfList[] = "{\"errordescr\":\"Invalid Id\"}";
-const char invalidIdOfRecord[] = "{\"errordescr\" : \"Invalid Id\"}";
-
-QString trackEntry(const PlatformRecords::Track &track)
-{
-    return JsonText::filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\"},\n", track.id, track.description,
-                            track.supported);
-}
-
-QString subtitleTrackEntry(const PlatformRecords::Track &track)
-{
-    return JsonText::filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\",\"encoding\":\"%4\"},\n", track.id,
-                            track.description, track.supported, track.encoding);
-}
-
-QString answer(const PlatformRecords::TrackList &list, QString (*toEntry)(const PlatformRecords::Track &))
-{
-    if (!list.known)
-        return QLatin1String(invalidIdOfList);
-    QString entries;
-    for (const PlatformRecords::Track &track : list.tracks)
-        entries += toEntry(track);
-    return JsonText::list(entries);
-}
-
-} // namespace
 
 namespace KavroJSDeprecated {
 
@@ -167,176 +136,10 @@ int stb_media::GetSpeed(int id)
     return KVR_GetSpeed(id);
 }
 
-int stb_media::GetVideoPid(int id)
-{
-    trace("stb_media.GetVideoPid(%1)", id);
-    return KVR_GetVideoPid(id);
-}
-
-QString stb_media::GetVideoTrackList(int id)
-{
-    trace("stb_media.GetVideoTrackList(%1)", id);
-    return answer(PlatformRecords::trackList(KVR_GetVideoTrackList, id), trackEntry);
-}
-
-int stb_media::SetAudioPid(int id, int pid)
-{
-    trace("stb_media.SetAudioPid(%1, %2)", id, pid);
-    return KVR_SetAudioPid(id, pid);
-}
-
-int stb_media::GetAudioPid(int id)
-{
-    trace("stb_media.GetAudioPid(%1)", id);
-    return KVR_GetAudioPid(id);
-}
-
-QString stb_media::GetAudioTrackList(int id)
-{
-    trace("stb_media.GetAudioTrackList(%1)", id);
-    return answer(PlatformRecords::trackList(KVR_GetAudioTrackList, id), trackEntry);
-}
-
-int stb_media::SetSubtitlePid(int id, int pid)
-{
-    trace("stb_media.SetSubtitlePid(%1, %2)", id, pid);
-    return KVR_SetSubtitlePid(id, pid);
-}
-
-int stb_media::GetSubtitlePid(int id)
-{
-    trace("stb_media.GetSubtitlePid(%1)", id);
-    return KVR_GetSubtitlePid(id);
-}
-
-QString stb_media::GetSubtitleTrackList(int id)
-{
-    trace("stb_media.GetSubtitleTrackList(%1)", id);
-    return answer(PlatformRecords::trackList(KVR_GetSubtitleTrackList, id), subtitleTrackEntry);
-}
-
-// This template and that of SetZoom have one place for two values. The toolkit fills in the first and warns of the
-// second, whether or not tracing is on.
-
-int stb_media::SetSubtitlesVisible(int id, int visibility)
-{
-    JsApiTracer::TRACE(QString::fromLatin1("stb_media.SetSubtitlesVisible(%1)").arg(id).arg(visibility));
-    return KVR_SetSubtitlesVisible(id, visibility);
-}
-
-int stb_media::IsSubtitlesVisible(int playerInstance)
-{
-    trace("stb_media.IsSubtitlesVisible(%1)", playerInstance);
-    return KVR_IsSubtitlesVisible(playerInstance);
-}
-
-int stb_media::SetVolume(int id, int vol)
-{
-    trace("stb_media.SetVolume(%1, %2)", id, vol);
-    return KVR_SetVolume(id, vol);
-}
-
-int stb_media::GetVolume(int id)
-{
-    trace("stb_media.GetVolume(%1)", id);
-    return KVR_GetVolume(id);
-}
-
-int stb_media::IsMute(int id)
-{
-    trace("stb_media.IsMute(%1)", id);
-    return KVR_IsMute(id);
-}
-
-int stb_media::SetMute(int id, int mute)
-{
-    trace("stb_media.SetMute(%1, %2)", id, mute);
-    return KVR_SetMute(id, mute);
-}
-
-double stb_media::GetZoom(int id)
-{
-    trace("stb_media.GetZoom(%1)", id);
-    return KVR_GetZoom(id);
-}
-
-int stb_media::SetZoom(int id, double zoom)
-{
-    JsApiTracer::TRACE(QString::fromLatin1("stb_media.SetZoom(%1)").arg(id).arg(zoom));
-    return KVR_SetZoom(id, zoom);
-}
-
-double stb_media::GetFps(int id)
-{
-    trace("stb_media.GetFps(%1)", id);
-    return KVR_GetFps(id);
-}
-
-int stb_media::SetPlayerViewPort(int id, int x, int y, int w, int h)
-{
-    trace("stb_media.SetPlayerViewPort(%1, %2, %3, %4, %5)", id, x, y, w, h);
-    const KVR_Rect window = {x, y, w, h};
-    return KVR_SetPlayerViewPort(id, &window);
-}
-
-QString stb_media::GetPlayerViewPort(int id)
-{
-    trace("stb_media.GetPlayerViewPort(%1)", id);
-    KVR_Rect window;
-    if (!PlatformRecords::playerWindow(id, window))
-        return QLatin1String(invalidIdOfRecord);
-    return JsonText::rectangle(window);
-}
-
-int stb_media::SetPlayerAlphaLevel(int id, int alpha)
-{
-    trace("stb_media.SetPlayerAlphaLevel(%1, %2)", id, alpha);
-    return KVR_SetPlayerAlphaLevel(id, alpha);
-}
-
-int stb_media::GetPlayerAlphaLevel(int id)
-{
-    trace("stb_media.GetPlayerAlphaLevel(%1)", id);
-    return KVR_GetPlayerAlphaLevel(id);
-}
-
-int stb_media::SetPlayerVisible(int id, int visibility)
-{
-    trace("stb_media.SetPlayerVisible(%1, %2)", id, visibility);
-    return KVR_SetPlayerVisible(id, visibility);
-}
-
-int stb_media::IsPlayerVisible(int id)
-{
-    trace("stb_media.IsPlayerVisible(%1)", id);
-    return KVR_IsPlayerVisible(id);
-}
-
-int stb_media::GetPlayerDisplayMode(int id)
-{
-    trace("stb_media.GetPlayerDisplayMode(%1)", id);
-    return KVR_GetPlayerDisplayMode(id);
-}
-
-int stb_media::SetPlayerDisplayMode(int id, int mode)
-{
-    trace("stb_media.SetPlayerDisplayMode(%1, %2)", id, mode);
-    return KVR_SetPlayerDisplayMode(id, mode);
-}
-
 int stb_media::GetPlayerState(int id)
 {
     trace("stb_media.GetPlayerState(%1)", id);
     return KVR_GetPlayerState(id);
-}
-
-QString stb_media::GetLastMulticastEvent(int id)
-{
-    trace("stb_media.GetLastMulticastEvent(%1)", id);
-    PlatformRecords::MulticastEvent event;
-    if (!PlatformRecords::lastMulticastEvent(id, event))
-        return QLatin1String(invalidIdOfRecord);
-    return JsonText::filled("{\"ip_port\":\"%1\",\"state\":\"%2\"}", event.address, event.state);
 }
 
 // Traces the name of another method, which technicians know.

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "jsapi/CustomScript.h"
+#include "jsapi/BoxCommand.h"
 
 #include "jsapi/DeviceIdentity.h"
 #include "jsapi/FailureMap.h"
@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QProcess>
 #include <QStringList>
+
+#include <cstdlib>
 
 namespace {
 
@@ -42,7 +44,7 @@ QVariantMap outcome(QProcess &process)
 
 } // namespace
 
-QVariantMap CustomScript::run(const QString &name, const QString &arguments)
+QVariantMap BoxCommand::runScript(const QString &name, const QString &arguments)
 {
     QProcess process;
     const QString directory = scriptDirectory();
@@ -75,4 +77,11 @@ QVariantMap CustomScript::run(const QString &name, const QString &arguments)
     process.start(process.workingDirectory() + name + QLatin1Char(' ') + arguments);
     process.waitForFinished(-1);
     return outcome(process);
+}
+
+void BoxCommand::reboot()
+{
+    // The page is told nothing of this; the log is.
+    if (system("reboot") != 0)
+        qWarning() << "reboot failed";
 }
