@@ -8,19 +8,17 @@
 #include "config/PluginConfigParser.h"
 #include "config/SystemSettings.h"
 #include "jsapi/StbDisplay.h"
-#include "platform/stbapi.h"
 #include "revision.h"
+#include "shell/BoxScreen.h"
 
 #include <QApplication>
 #include <QDebug>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QSslSocket>
+#include <QTimer>
 #include <QWebInspector>
 #include <QWebPage>
 #include <QWebSettings>
-
-#include <cstdlib>
 
 namespace {
 
@@ -28,9 +26,7 @@ const char defaultPluginDir[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
 const char bigIcon[] = ":/images/kavrostbbrowser_b.png";
 const char smallIcon[] = ":/images/kavrostbbrowser_s.png";
 
-const QSize screenSize(1920, 1080);
 const int startDelay = 10;        // ms
-const int splashDelay = 500;      // ms
 const int inspectorFontSize = 30; // pixels
 
 const long long largestPicture = 16 * 1024 * 1024; // bytes
@@ -56,17 +52,6 @@ QPixmap picture(const QString &path)
     return Common::isOdd(path, largestPicture) ? QPixmap() : QPixmap(path);
 }
 
-// Models whose graphics layer lies above the video need a see-through window.
-bool needsTranslucentWindow()
-{
-    char *model = nullptr;
-    if (KVR_GetDeviceModel(&model) != KVR_OK || !model)
-        return false;
-    const bool answer = QString::fromLatin1(model).contains(QLatin1String("MZ-600"), Qt::CaseInsensitive);
-    free(model);
-    return answer;
-}
-
 } // namespace
 
 PluginWrapper::PluginWrapper(QWidget *parent)
@@ -77,7 +62,7 @@ PluginWrapper::PluginWrapper(QWidget *parent)
     , running(false)
     , pluginDir(QLatin1String(defaultPluginDir))
     , manifest(nullptr)
-    , splashLabel(nullptr)
+    , splash(this)
 {
     setBrush(this, QPalette::Window, Qt::black);
 }
@@ -86,7 +71,7 @@ PluginWrapper::~PluginWrapper()
 {
     if (running)
         teardown();
-    cleanupStbApi();
+    BoxScreen::giveBack();
     PluginConfigParser::destroyInstance();
 }
 
@@ -157,14 +142,13 @@ void PluginWrapper::runApplication()
     if (running)
         return;
     connect(this, SIGNAL(resize(QSize)), SLOT(doFixedSize(QSize)));
-    KVR_SetCurrentLayout(0);
-    KVR_SetChromaKeyEnable(0);
+    BoxScreen::takeOver();
     qApp->installEventFilter(this);
     qDebug() << Common::getDisplayMode();
     const QSize pageSize = chosenPageSize();
-    KVR_SetResolution(pageSize.width(), pageSize.height());
-    setFixedSize(screenSize);
-    startSplashTimer();
+    BoxScreen::setResolution(pageSize);
+    setFixedSize(BoxScreen::size());
+    splash.announce(SLOT(showSplash()));
     createBrowser(pageSize);
     createInspector();
     connect(KavroJS::StbDisplay::instance(), SIGNAL(ExitToMenuSignal()), SLOT(shutdownApplication()));
@@ -174,20 +158,11 @@ void PluginWrapper::runApplication()
 QSize PluginWrapper::chosenPageSize() const
 {
     if (!manifest->valid)
-        return screenSize;
+        return BoxScreen::size();
     qDebug() << manifest->systemwideResolution;
     if (manifest->systemwideResolution)
         qDebug() << Common::getDisplayMode();
     return manifest->currentResolution();
-}
-
-void PluginWrapper::startSplashTimer()
-{
-    splashTimer.setInterval(splashDelay);
-    splashTimer.setSingleShot(true);
-    QtCompat::makePrecise(splashTimer);
-    connect(&splashTimer, SIGNAL(timeout()), SLOT(showSplash()));
-    splashTimer.start();
 }
 
 void PluginWrapper::createBrowser(const QSize &size)
@@ -211,7 +186,7 @@ void PluginWrapper::makeBackgroundTransparent()
     palette.setBrush(QPalette::Base, QBrush(Qt::transparent));
     browser->page()->setPalette(palette);
     browser->setAttribute(Qt::WA_OpaquePaintEvent, false);
-    if (needsTranslucentWindow())
+    if (BoxScreen::needsTranslucentWindow())
         setAttribute(Qt::WA_TranslucentBackground);
 }
 
@@ -237,24 +212,14 @@ void PluginWrapper::doFixedSize(QSize size)
 
 void PluginWrapper::onPageLoadFinished(bool ok)
 {
-    if (!ok)
-        return;
-    splashTimer.stop();
-    splashPixmap = QPixmap();
-    if (splashLabel) {
-        splashLabel->deleteLater();
-        splashLabel = nullptr;
-    }
+    if (ok)
+        splash.end();
 }
 
 void PluginWrapper::showSplash()
 {
-    if (manifest->splashImage.isEmpty())
-        return;
-    splashPixmap = picture(pluginDir.absoluteFilePath(manifest->splashImage));
-    splashLabel = new QLabel(this);
-    splashLabel->setPixmap(splashPixmap);
-    splashLabel->show();
+    if (!manifest->splashImage.isEmpty())
+        splash.show(picture(pluginDir.absoluteFilePath(manifest->splashImage)));
 }
 
 bool PluginWrapper::eventFilter(QObject *, QEvent *event)
@@ -280,23 +245,11 @@ void PluginWrapper::teardown()
     running = false;
     browser->hide();
     inspector->hide();
-    emit resize(screenSize);
+    emit resize(BoxScreen::size());
     QCoreApplication::processEvents(); // paints what was hidden, while all objects are still there
     delete browser;
     delete inspector;
     qApp->removeEventFilter(this);
-}
-
-// The launcher expects its graphics layer as it gave it away.
-void PluginWrapper::cleanupStbApi()
-{
-    KVR_SetGraphicsVisible(0);
-    KVR_SetResolution(screenSize.width(), screenSize.height());
-    KVR_SetGraphicsAlphaLevel(255);
-    const KVR_Rect fullScreen = {0, 0, screenSize.width(), screenSize.height()};
-    KVR_SetGraphicsViewport(&fullScreen);
-    KVR_SetGraphicsVisible(1);
-    KVR_SetChromaKeyEnable(0);
 }
 
 KAVRO_EXPORT_PLUGIN(PluginWrapper)

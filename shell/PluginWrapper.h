@@ -5,13 +5,12 @@
 
 #include "common/other/qtcompat.h"
 #include "shell/CStbApplication.h"
+#include "shell/SplashImage.h"
 
 #include <QDir>
-#include <QTimer>
 
 class KavroStbBrowser;
 class PluginConfigParser;
-class QLabel;
 class QWebInspector;
 
 /// The object that the launcher loads: presents the application, starts the browser with a splash image over it, and
@@ -53,13 +52,11 @@ private slots:
 
 private:
     QSize chosenPageSize() const;
-    void startSplashTimer();
     void createBrowser(const QSize &size);
     void makeBackgroundTransparent();
     void createInspector();
     QPixmap icon(const QString &file, const char *builtIn) const;
     void teardown();
-    static void cleanupStbApi();
 
     bool shuttingDown; ///< every key press is swallowed
     KavroStbBrowser *browser;
@@ -67,7 +64,5 @@ private:
     bool running;
     QDir pluginDir;
     PluginConfigParser *manifest; ///< null until the launcher has told the plugin's directory
-    QTimer splashTimer;
-    QPixmap splashPixmap;
-    QLabel *splashLabel;
+    SplashImage splash;
 };
