@@ -17,9 +17,9 @@ class QNetworkReply;
 class ScriptObjects;
 class TraceFile;
 
-/// The one web view. What it does has classes of its own: PageLoader loads the portal, ScriptObjects gives it its
-/// script objects and the platform's events, TraceFile watches for the technician, KeyDelay thins out the keys. Its
-/// slots are what these, the page, the platform and the launcher reach them by.
+/// The one web view. What it does has classes of its own: PageLoader loads the portal, ScriptObjects gives the page its
+/// script objects and the platform's events, TraceFile tells whether to trace, KeyDelay thins out the keys. They are
+/// reached by the view's slots, which engine, platform, keys and launcher know.
 class KavroStbBrowser : public QWebView
 {
     Q_OBJECT
@@ -59,7 +59,7 @@ private:
     void createPage();
     void connectPageToPlatform();
 
-    // They end before the view does, whose page could still call for them.
+    // They end with the slots, before the view does: its last page may still run scripts, and wait in them.
     std::unique_ptr<TraceFile> traceFile;
     std::unique_ptr<ScriptObjects> scriptObjects;
     std::unique_ptr<PageLoader> loader;

@@ -7,7 +7,7 @@
 
 class QFileSystemWatcher;
 
-/// The file by which a technician switches the trace on and off while the browser runs. Tells the tracer its level.
+/// The file by which a technician switches tracing on and off while the browser runs. Tells the tracer its level.
 class TraceFile : public QObject
 {
     Q_OBJECT
