@@ -27,7 +27,7 @@
 
 KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     : QWebView(parent)
-    , traceFile(new TraceFile)
+    , traceFile(new TraceFile(this))
 {
     setUpWebSettings();
     addShortcuts();

@@ -28,25 +28,25 @@ const int reloadDelay = 1000;       // ms
 const int noProgressTimeout = 5000; // ms
 const int failuresBeforeErrorPage = 6;
 
+QTimer *createTimer(QWebView *view, int interval, const char *slot)
+{
+    QTimer *timer = new QTimer(view);
+    timer->setInterval(interval);
+    timer->setSingleShot(true);
+    QtCompat::makePrecise(*timer);
+    QObject::connect(timer, SIGNAL(timeout()), view, slot);
+    return timer;
+}
+
 } // namespace
 
 PageLoader::PageLoader(QWebView *view)
     : view(view)
-    , reloadTimer(createTimer(reloadDelay, SLOT(reload())))
-    , errorPageTimer(createTimer(noProgressTimeout, SLOT(showErrorPage())))
+    , reloadTimer(createTimer(view, reloadDelay, SLOT(reloadPage())))
+    , errorPageTimer(createTimer(view, noProgressTimeout, SLOT(loadErrorPage())))
     , retryCount(0)
     , errorPageMode(false)
 {
-}
-
-QTimer *PageLoader::createTimer(int interval, const char *slot)
-{
-    QTimer *timer = new QTimer(this);
-    timer->setInterval(interval);
-    timer->setSingleShot(true);
-    QtCompat::makePrecise(*timer);
-    connect(timer, SIGNAL(timeout()), slot);
-    return timer;
 }
 
 void PageLoader::load(const QUrl &url)
@@ -129,5 +129,5 @@ void PageLoader::retryOrGiveUp()
         return;
     }
     errorPageMode = true;
-    QMetaObject::invokeMethod(this, "showErrorPage", Qt::QueuedConnection);
+    QMetaObject::invokeMethod(view, "loadErrorPage", Qt::QueuedConnection);
 }

@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <QObject>
 #include <QUrl>
 
 class QTimer;
@@ -11,12 +10,11 @@ class QWebView;
 
 /// Has the view load the portal, and keeps trying while it cannot be loaded. When it gives up, or a load makes no
 /// progress, the error page is shown, and from then on nothing is tried again.
-class PageLoader : public QObject
+class PageLoader
 {
-    Q_OBJECT
-
 public:
-    /// The view tells of its loads by noteProgress and finish.
+    /// The view tells of its loads by noteProgress and finish. Its slots reloadPage and loadErrorPage, which are to
+    /// call reload and showErrorPage, are called in time.
     explicit PageLoader(QWebView *view);
 
     void load(const QUrl &url);
@@ -27,13 +25,10 @@ public:
 
     void noteProgress();
     void finish(bool isLoaded);
-
-public slots:
     void reload();
     void showErrorPage();
 
 private:
-    QTimer *createTimer(int interval, const char *slot);
     void dumpPage(bool isLoaded);
     void retryOrGiveUp();
 

@@ -16,13 +16,13 @@ const char fileName[] = "/etc/stbjsapi_debug";
 
 } // namespace
 
-TraceFile::TraceFile()
-    : watcher(new QFileSystemWatcher(this))
+TraceFile::TraceFile(QObject *owner)
+    : watcher(new QFileSystemWatcher(owner))
 {
     watcher->addPath(QLatin1String(directory));
     watcher->addPath(QLatin1String(fileName));
-    connect(watcher, SIGNAL(fileChanged(QString)), SLOT(check()));
-    connect(watcher, SIGNAL(directoryChanged(QString)), SLOT(check()));
+    QObject::connect(watcher, SIGNAL(fileChanged(QString)), owner, SLOT(checkDebugFile()));
+    QObject::connect(watcher, SIGNAL(directoryChanged(QString)), owner, SLOT(checkDebugFile()));
     check();
 }
 

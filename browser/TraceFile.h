@@ -3,20 +3,17 @@
 
 #pragma once
 
-#include <QObject>
-
 class QFileSystemWatcher;
+class QObject;
 
 /// The file by which a technician switches tracing on and off while the browser runs. Tells the tracer its level.
-class TraceFile : public QObject
+class TraceFile
 {
-    Q_OBJECT
-
 public:
-    /// Watches the file from here on, whether or not it exists.
-    TraceFile();
+    /// Watches the file from here on, whether or not it exists: owner's slot checkDebugFile, which is to call check, is
+    /// called when it changes.
+    explicit TraceFile(QObject *owner);
 
-public slots:
     /// Takes the level from the file as it is now.
     void check();
 

@@ -71,7 +71,7 @@ PluginWrapper::~PluginWrapper()
 {
     if (running)
         teardown();
-    BoxScreen::giveBack();
+    cleanupStbApi();
     PluginConfigParser::destroyInstance();
 }
 
@@ -250,6 +250,11 @@ void PluginWrapper::teardown()
     delete browser;
     delete inspector;
     qApp->removeEventFilter(this);
+}
+
+void PluginWrapper::cleanupStbApi()
+{
+    BoxScreen::giveBack();
 }
 
 KAVRO_EXPORT_PLUGIN(PluginWrapper)

@@ -57,6 +57,7 @@ private:
     void createInspector();
     QPixmap icon(const QString &file, const char *builtIn) const;
     void teardown();
+    static void cleanupStbApi();
 
     bool shuttingDown; ///< every key press is swallowed
     KavroStbBrowser *browser;
