@@ -157,8 +157,7 @@ void TestScriptNames::scriptsUseNamesThatABoxHas_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QStringList>("others"); // of the plugin's objects; errors have a stack where there are guards
-    QTest::newRow("plugin") << "resources/page"
-                            << QStringList{"eventCallback", "members", "occurred", "rename", "stack"};
+    QTest::newRow("plugin") << "resources/page" << QStringList{"members", "occurred", "rename", "stack"};
     QTest::newRow("portal") << "portal/js" << QStringList{};
 }
 
