@@ -15,6 +15,14 @@ namespace {
 
 const char *const levelFile = "/etc/stbjsapi_debug";
 
+// Captures the text if the line is a trace line.
+QRegularExpressionMatch traceIn(const QString &line)
+{
+    static const QRegularExpression traceLine(
+        R"(^\[ "[A-Z][a-z]{2} [A-Z][a-z]{2} \d{1,2} \d{4}" "\d\d:\d\d:\d\d" \] (".*")$)");
+    return traceLine.match(line);
+}
+
 } // namespace
 
 QString ScriptSession::quoted(const QString &text)
@@ -66,15 +74,19 @@ ScriptSession::Outcome ScriptSession::run(const QString &script)
     return outcome;
 }
 
+bool ScriptSession::hasTraces() const
+{
+    const QStringList lines = m_log.debugLines();
+    return std::any_of(lines.begin(), lines.end(), [](const QString &line) { return traceIn(line).hasMatch(); });
+}
+
 ScriptSession::Outcome ScriptSession::takeOutcome()
 {
-    static const QRegularExpression traceLine(
-        R"(^\[ "[A-Z][a-z]{2} [A-Z][a-z]{2} \d{1,2} \d{4}" "\d\d:\d\d:\d\d" \] (".*")$)");
     Outcome outcome;
     QStringList traces;
     const QStringList lines = m_log.debugLines();
     for (const QString &line : lines) {
-        const QRegularExpressionMatch match = traceLine.match(line);
+        const QRegularExpressionMatch match = traceIn(line);
         (match.hasMatch() ? traces : outcome.messages) += match.hasMatch() ? match.captured(1) : line;
     }
     outcome.traces = traces.join('\n');

@@ -42,6 +42,9 @@ public:
     /// Runs a script in the page. The platform's log of calls and the message log then begin anew.
     Outcome run(const QString &script);
 
+    /// Whether the message log holds a trace line now.
+    bool hasTraces() const;
+
     /// What the logs hold now, without the script's result; they begin anew.
     Outcome takeOutcome();
 

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "ScriptObjectFinder.h"
+#include "ScriptMetaObject.h"
 #include "ScriptSession.h"
 #include "tests/platform/RecordingPlatform.h"
 
@@ -48,22 +48,16 @@ void TestPageSignals::init()
 
 void TestPageSignals::functionsAreConnectedToEachSignal_data()
 {
-    QTest::addColumn<QByteArray>("className");
-    QTest::newRow("StbMedia") << QByteArray("KavroJS::StbMedia");
-    QTest::newRow("StbDisplay") << QByteArray("KavroJS::StbDisplay");
-    QTest::newRow("StbPVR") << QByteArray("KavroJS::StbPVR");
-    QTest::newRow("stb_media") << QByteArray("KavroJSDeprecated::stb_media");
-    QTest::newRow("stb_display") << QByteArray("KavroJSDeprecated::stb_display");
+    QTest::addColumn<QString>("object");
+    for (const char *object : {"StbMedia", "StbDisplay", "StbPVR", "stb_media", "stb_display"})
+        QTest::newRow(object) << QString(object);
 }
 
 void TestPageSignals::functionsAreConnectedToEachSignal()
 {
-    QFETCH(const QByteArray, className);
-    const QString object = QString::fromLatin1(QTest::currentDataTag());
-    const ScriptObjectFinder finder(className.constData());
-    result(object + ".deleteLater()");
-    QTRY_VERIFY(finder.found());
-    const QMetaObject *metaObject = finder.found()->metaObject();
+    QFETCH(const QString, object);
+    const QMetaObject *const metaObject = scriptMetaObject(&m_session->plugin(), object);
+    QVERIFY(metaObject);
     for (int i = 0; i < metaObject->methodCount(); ++i) {
         const QMetaMethod method = metaObject->method(i);
         if (method.methodType() != QMetaMethod::Signal || method.name() == "objectNameChanged") // which no box has
