@@ -38,8 +38,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void unknownPlayersAreRefused_data();
-    void unknownPlayersAreRefused();
     void numbersOutOfRangeDoNoHarm();
     void aSeekBeyondTheEndEndsThePlayback();
     void tracksThatAreNotThereAreRefused();
@@ -85,26 +83,6 @@ void TestDeskMisuse::checkPlaying(int timeout)
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING), timeout);
     const long long begin = KVR_GetPosition(m_id);
     QTRY_VERIFY_WITH_TIMEOUT(KVR_GetPosition(m_id) > begin + 100, timeout);
-}
-
-void TestDeskMisuse::unknownPlayersAreRefused_data()
-{
-    QTest::addColumn<int>("id");
-    QTest::newRow("negative") << -1;
-    QTest::newRow("the box") << int(KVR_BOX);
-    QTest::newRow("smallest") << INT_MIN;
-    QTest::newRow("largest") << INT_MAX;
-}
-
-void TestDeskMisuse::unknownPlayersAreRefused()
-{
-    QFETCH(int, id);
-    QCOMPARE(playFile(id, bars), int(KVR_ERR_INVALID_ID));
-    QCOMPARE(KVR_Pause(id), int(KVR_ERR_INVALID_ID));
-    QCOMPARE(KVR_SetPosition(id, 0), int(KVR_ERR_INVALID_ID));
-    QCOMPARE(KVR_SetAudioPid(id, 1), int(KVR_ERR_INVALID_ID));
-    QCOMPARE(KVR_GetPlayerState(id), int(KVR_ERR_INVALID_ID));
-    QCOMPARE(KVR_ClosePlayer(id), int(KVR_ERR_INVALID_ID));
 }
 
 void TestDeskMisuse::numbersOutOfRangeDoNoHarm()

@@ -1,6 +1,9 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "tests/support/ListDifference.h"
+#include "tests/support/StbApiHeader.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -9,9 +12,9 @@
 
 namespace {
 
-QByteArrayList sorted(QByteArrayList names)
+QStringList sorted(QStringList names)
 {
-    std::sort(names.begin(), names.end());
+    names.sort();
     return names;
 }
 
@@ -32,7 +35,7 @@ private slots:
 
 private:
     QByteArray m_header;
-    QByteArrayList m_functions;
+    QStringList m_functions;
 };
 
 void TestStbApiHeader::initTestCase()
@@ -41,13 +44,7 @@ void TestStbApiHeader::initTestCase()
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
     m_header = file.readAll();
 
-    QString code = m_header;
-    static const QRegularExpression comment("/\\*.*?\\*/", QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression function("\\b(KVR_\\w+)\\(");
-    code.remove(comment);
-    auto matches = function.globalMatch(code);
-    while (matches.hasNext())
-        m_functions += matches.next().captured(1).toUtf8();
+    m_functions = functionsOfStbApi(m_header);
     QVERIFY(m_functions.size() > 1);
 }
 
@@ -113,13 +110,13 @@ void TestStbApiHeader::librariesOfferExactlyItsFunctions()
     nm.start("nm", {"--dynamic", "--defined-only", "--format=just-symbols", library});
     QVERIFY2(nm.waitForFinished(), qPrintable(nm.errorString()));
     QVERIFY2(nm.exitCode() == 0, nm.readAllStandardError());
-    QByteArrayList offered;
+    QStringList offered;
     const QList<QByteArray> names = nm.readAllStandardOutput().split('\n');
     for (const QByteArray &name : names) {
         if (name.startsWith("KVR_"))
             offered += name;
     }
-    QCOMPARE(sorted(offered), sorted(m_functions));
+    QCOMPARE(listDifference(sorted(offered), sorted(m_functions)), QString());
 }
 
 QTEST_APPLESS_MAIN(TestStbApiHeader)
