@@ -4,6 +4,7 @@
 #include "RtpStream.h"
 #include "Address.h"
 #include "MpvCore.h"
+#include "RtpPacket.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,30 +22,6 @@ namespace {
 constexpr char scheme[] = "kavro-rtp";
 constexpr std::size_t largestPacket = 65536; // bytes
 
-struct Range
-{
-    std::size_t begin = 0;
-    std::size_t end = 0;
-};
-
-// Where the payload lies in a packet: behind a header of 12 bytes, a list of sources and an extension, before padding.
-// Nowhere when it is no packet of RTP.
-Range payloadOf(const std::vector<unsigned char> &packet, std::size_t size)
-{
-    constexpr std::size_t header = 12;
-    constexpr std::size_t word = 4;
-    if (size < header || packet[0] >> 6 != 2)
-        return {};
-    std::size_t begin = header + word * (packet[0] & 0x0fU);
-    if (packet[0] & 0x10U) {
-        if (begin + word > size)
-            return {};
-        begin += word + word * (packet[begin + 2] * 256U + packet[begin + 3]);
-    }
-    const std::size_t padding = packet[0] & 0x20U ? packet[size - 1] : 0;
-    return begin + padding < size ? Range{begin, size - padding} : Range{};
-}
-
 } // namespace
 
 // One opened stream; libmpv calls its functions, and cancels it from another thread.
@@ -57,7 +34,7 @@ struct RtpStream::Reader
 
     AVIOContext *io = nullptr;
     std::vector<unsigned char> packet;
-    Range rest; // of the packet, still to be read
+    RtpPayload rest; // of the packet, still to be read
     std::atomic<bool> cancelled{false};
     std::atomic<bool> closed{false};
 };
@@ -73,7 +50,7 @@ void RtpStream::Reader::close(void *cookie)
 std::int64_t RtpStream::Reader::read(void *cookie, char *buffer, std::uint64_t size)
 {
     auto &reader = *static_cast<Reader *>(cookie);
-    Range &rest = reader.rest;
+    RtpPayload &rest = reader.rest;
     while (rest.begin == rest.end) {
         const int count = avio_read_partial(reader.io, reader.packet.data(), static_cast<int>(reader.packet.size()));
         if (count <= 0)

@@ -6,24 +6,46 @@
 #include "Playing.h"
 #include "TestMedia.h"
 
+#include "tests/support/BoxFile.h"
+
 #include <QCoreApplication>
-#include <QFile>
 #include <QProcess>
 #include <QTest>
 #include <QTimer>
 #include <QUdpSocket>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char film[] = "/mnt/stb/film.mkv";
+constexpr char other[] = "/mnt/stb/other.ts"; // whose picture has another PID
 constexpr int barsSeconds = 12;
 
-// With all that a header may have: two sources, an extension of one word, and padding.
-QByteArray rtpPacket(const QByteArray &payload)
+constexpr int transportPacketSize = 188;
+
+// The packet of a transport stream that says which tracks there are.
+QByteArray trackTable(const QByteArray &stream)
 {
-    return QByteArray::fromHex("b2210000 00000000 47474747 47474747 47474747 abcd0001 47474747") + payload
-        + QByteArray::fromHex("00000004");
+    constexpr int pid = 0x1000; // FFmpeg's
+    for (int begin = 0; begin + transportPacketSize <= stream.size(); begin += transportPacketSize) {
+        const QByteArray packet = stream.mid(begin, transportPacketSize);
+        if (((packet[1] & 0x1f) << 8 | quint8(packet[2])) == pid)
+            return packet;
+    }
+    return {};
+}
+
+// With all that a header may have: two sources, an extension and padding. Both of these have a table that would be
+// believed if it were taken for a part of the stream.
+QByteArray rtpPacket(int number, const QByteArray &payload, const QByteArray &table)
+{
+    const auto byte = [](int value) { return QByteArray(1, char(value)); };
+    return QByteArray::fromHex("b221") + byte(number >> 8) + byte(number) + QByteArray::fromHex("00000000 01020304")
+        + QByteArray::fromHex("05060708 090a0b0c abcd00") + byte(table.size() / 4) + table + payload + table.chopped(1)
+        + byte(table.size());
 }
 
 QString multicast(KVR_ID id)
@@ -47,6 +69,7 @@ private slots:
     void cleanup();
     void packetsPlayUnicast_data();
     void packetsPlayUnicast();
+    void rtpHeadersAreTakenOff_data();
     void rtpHeadersAreTakenOff();
     void multicastIsJoinedAndLeft_data();
     void multicastIsJoinedAndLeft();
@@ -63,6 +86,7 @@ void TestDeskLive::initTestCase()
 {
     QVERIFY(TestMedia::makeBars(bars, barsSeconds));
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", film}));
+    QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-streamid", "0:600", other}));
 }
 
 void TestDeskLive::init()
@@ -100,26 +124,50 @@ void TestDeskLive::packetsPlayUnicast()
     QCOMPARE(multicast(m_id), QString(" 0"));
 }
 
+void TestDeskLive::rtpHeadersAreTakenOff_data()
+{
+    QTest::addColumn<int>("step"); // between the numbers of packets
+    QTest::addColumn<bool>("hasAnotherVersion");
+    QTest::newRow("one after the other") << 1 << false;
+    QTest::newRow("gaps in the numbers") << 3 << false; // what comes is what there is
+    QTest::newRow("all of one number") << 0 << false;
+    QTest::newRow("another version between them") << 1 << true;
+}
+
 void TestDeskLive::rtpHeadersAreTakenOff()
 {
-    constexpr int payload = 7 * 188; // bytes
-    constexpr int interval = 20;     // milliseconds
-    QFile file(bars);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray stream = file.readAll();
-    const int port = freeUdpPort();
+    QFETCH(int, step);
+    QFETCH(bool, hasAnotherVersion);
+    constexpr int payload = 7 * transportPacketSize;
+    constexpr int interval = 20; // milliseconds
+    const QByteArray stream = boxFile(bars);
+    const QByteArray table = trackTable(boxFile(other));
+    QVERIFY(!table.isEmpty());
+    const auto port = quint16(freeUdpPort());
+    const QByteArray anotherVersion = QByteArray::fromHex("40210000 00000000 00000000");
     QUdpSocket socket;
     QTimer timer;
     int sent = 0;
+    int number = 0;
     connect(&timer, &QTimer::timeout, this, [&] {
-        for (const int end = sent + stream.size() / (barsSeconds * 1000 / interval); sent < end; sent += payload)
-            socket.writeDatagram(rtpPacket(stream.mid(sent % stream.size(), payload)), QHostAddress::LocalHost,
-                                 quint16(port));
+        for (const int end = sent + stream.size() / (barsSeconds * 1000 / interval); sent < end; sent += payload) {
+            socket.writeDatagram(rtpPacket(number, stream.mid(sent % stream.size(), payload), table),
+                                 QHostAddress::LocalHost, port);
+            if (hasAnotherVersion)
+                socket.writeDatagram(anotherVersion + table, QHostAddress::LocalHost, port);
+            number += step;
+        }
     });
     timer.start(interval);
     KVR_PlayStream(m_id, "rtp://127.0.0.1:" + QByteArray::number(port), -1, -1, -1);
     QVERIFY(comesToPlay(m_id));
-    QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+    KVR_Track *tracks = nullptr;
+    int count = 0;
+    QCOMPARE(KVR_GetVideoTrackList(m_id, &tracks, &count), int(KVR_OK));
+    QList<int> pids;
+    std::transform(tracks, tracks + count, std::back_inserter(pids), [](const KVR_Track &track) { return track.id; });
+    free(tracks);
+    QCOMPARE(pids, QList<int>{TestMedia::videoPid});
 }
 
 void TestDeskLive::multicastIsJoinedAndLeft_data()
