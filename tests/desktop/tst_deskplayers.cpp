@@ -7,11 +7,14 @@
 
 #include "platform/desktop/DeskBox.h"
 
+#include "tests/support/BoxFile.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
+#include <climits>
 #include <cmath>
 #include <vector>
 
@@ -21,6 +24,8 @@ constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char film[] = "/mnt/stb/film.mkv";
 constexpr char wide[] = "/mnt/stb/wide.mkv";
 constexpr char narrow[] = "/mnt/stb/narrow.mkv";
+constexpr char twoPictures[] = "/mnt/stb/two.ts";
+constexpr int secondVideoPid = 513;
 constexpr int barsSeconds = 24;
 constexpr int frameTime = 40; // milliseconds
 const QColor blue(0x20, 0x40, 0xc0);
@@ -83,6 +88,9 @@ private slots:
     void aFilePlaysFromAPosition();
     void tracksAreTheStreams();
     void theTracksToBeginWithCanBeChosen();
+    void theSubtitlesToBeginWithCanBeChosen();
+    void aPlaylistPlaysToTheEndOfItsLastFile();
+    void soundAloneEndsWhereItEnds();
     void anAudioTrackIsChosenByItsPid();
     void pauseHoldsAndContinueGoesOn();
     void nextFrameShowsOneFrame();
@@ -91,11 +99,14 @@ private slots:
     void speedMovesThePosition_data();
     void speedMovesThePosition();
     void playingBackwardsEndsAtTheBeginning();
+    void playingBackwardsGoesOnFromWhereASeekLeads();
+    void theNextFrameEndsPlayingBackwards();
     void nothingLoadedMeansInvalidState();
     void wrongArgumentsAreRefused();
     void aNewFileReplacesTheOldOne();
     void positionEventsComeTwiceASecond();
     void volumeMuteAndZoomAreKeptAndTold();
+    void settingsOutliveARequest();
     void pictureFillsTheWindowAsTheDisplayModeSays_data();
     void pictureFillsTheWindowAsTheDisplayModeSays();
     void zoomScalesThePicture();
@@ -117,6 +128,9 @@ void TestDeskPlayers::initTestCase()
     QVERIFY(TestMedia::makeFilm(film, 10));
     QVERIFY(TestMedia::makeColor(wide, blue, "640x360", 10));
     QVERIFY(TestMedia::makeColor(narrow, blue, "480x360", 10));
+    QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-map", "0:0", "-c", "copy", "-streamid",
+                               QString("0:%1").arg(TestMedia::videoPid), "-streamid",
+                               QString("1:%1").arg(secondVideoPid), twoPictures}));
 }
 
 void TestDeskPlayers::init()
@@ -181,6 +195,53 @@ void TestDeskPlayers::theTracksToBeginWithCanBeChosen()
     QCOMPARE(KVR_PlayFile(m_id, bars, 0, 0, 0, "", -1, TestMedia::englishPid, -1), int(KVR_OK));
     QTRY_COMPARE(KVR_GetAudioPid(m_id), TestMedia::englishPid);
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+
+    QCOMPARE(KVR_PlayFile(m_id, twoPictures, 0, 0, 0, "", secondVideoPid, -1, -1), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetVideoPid(m_id), secondVideoPid);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+}
+
+void TestDeskPlayers::theSubtitlesToBeginWithCanBeChosen()
+{
+    constexpr char others[] = "/mnt/stb/others.srt";
+    QVERIFY(TestMedia::makeSubtitles(others, "WWWWWWWW"));
+    playFile(m_id, film);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    const int english = tracks(m_id, KVR_GetSubtitleTrackList).last().section(' ', 0, 0).toInt();
+    for (const char *file : {"", others}) {
+        QCOMPARE(KVR_PlayFile(m_id, film, 0, 0, 0, file, -1, -1, english), int(KVR_OK));
+        QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+        QTRY_COMPARE(KVR_GetSubtitlePid(m_id), english);
+    }
+}
+
+void TestDeskPlayers::aPlaylistPlaysToTheEndOfItsLastFile()
+{
+    constexpr char list[] = "/mnt/stb/list.m3u";
+    constexpr char brief[] = "/mnt/stb/brief.mkv";
+    QVERIFY(TestMedia::makeColor(brief, blue, "640x360", 1));
+    writeBoxFile(list, QByteArray("#EXTM3U\n") + brief + '\n' + twoPictures + '\n');
+    playFile(m_id, list);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QVERIFY(KVR_GetVideoPid(m_id) != TestMedia::videoPid);
+    QTRY_COMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_SetPosition(m_id, LLONG_MAX), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+}
+
+// Only of a picture the duration is known for sure.
+void TestDeskPlayers::soundAloneEndsWhereItEnds()
+{
+    constexpr char whole[] = "/mnt/stb/whole.m4a";
+    constexpr char cut[] = "/mnt/stb/cut.m4a";
+    QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:1", "-c:a", "aac", "-movflags", "faststart", whole}));
+    const QByteArray content = boxFile(whole);
+    writeBoxFile(cut, content.left(content.size() / 8));
+    playFile(m_id, cut);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QVERIFY(KVR_GetDuration(m_id) > (barsSeconds - 1) * 1000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
 }
 
 void TestDeskPlayers::anAudioTrackIsChosenByItsPid()
@@ -301,6 +362,34 @@ void TestDeskPlayers::playingBackwardsEndsAtTheBeginning()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
 }
 
+void TestDeskPlayers::playingBackwardsGoesOnFromWhereASeekLeads()
+{
+    playFile(m_id, bars, 20000);
+    QTRY_VERIFY(KVR_GetPosition(m_id) > 20000);
+    QCOMPARE(KVR_SetSpeed(m_id, -1), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(m_id) < 19900);
+    QCOMPARE(KVR_SetPosition(m_id, 9000), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(m_id) < 8500);
+    QVERIFY(KVR_GetPosition(m_id) > 2000);
+    QCOMPARE(KVR_GetSpeed(m_id), -1);
+}
+
+void TestDeskPlayers::theNextFrameEndsPlayingBackwards()
+{
+    playFile(m_id, bars, 20000);
+    QTRY_VERIFY(KVR_GetPosition(m_id) > 20000);
+    QCOMPARE(KVR_SetSpeed(m_id, -2), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(m_id) < 19500);
+    QCOMPARE(KVR_NextFrame(m_id), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    for (int i = 0; i < 10; ++i) {
+        const long long before = KVR_GetPosition(m_id);
+        QCOMPARE(KVR_NextFrame(m_id), int(KVR_OK));
+        QTRY_VERIFY(KVR_GetPosition(m_id) != before);
+        QVERIFY(KVR_GetPosition(m_id) > before);
+    }
+}
+
 void TestDeskPlayers::nothingLoadedMeansInvalidState()
 {
     QCOMPARE(KVR_Pause(m_id), int(KVR_ERR_INVALID_STATE));
@@ -391,6 +480,28 @@ void TestDeskPlayers::volumeMuteAndZoomAreKeptAndTold()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     QCOMPARE(KVR_GetVolume(m_id), 0);
     QCOMPARE(KVR_GetZoom(m_id), 1.5);
+}
+
+void TestDeskPlayers::settingsOutliveARequest()
+{
+    KVR_SetVolume(m_id, 35);
+    KVR_SetMute(m_id, 1);
+    KVR_SetZoom(m_id, 1.5);
+    KVR_SetPlayerDisplayMode(m_id, KVR_DISPLAY_CROP);
+    KVR_SetSubtitlesVisible(m_id, 0);
+    KVR_SetTeletextVisible(m_id, 1);
+    KVR_SetTeletextPage(m_id, 333);
+    playFile(m_id, bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    KVR_Stop(m_id);
+    playFile(m_id, film);
+    QCOMPARE(KVR_GetVolume(m_id), 35);
+    QCOMPARE(KVR_IsMute(m_id), 1);
+    QCOMPARE(KVR_GetZoom(m_id), 1.5);
+    QCOMPARE(KVR_GetPlayerDisplayMode(m_id), int(KVR_DISPLAY_CROP));
+    QCOMPARE(KVR_IsSubtitlesVisible(m_id), 0);
+    QCOMPARE(KVR_IsTeletextVisible(m_id), 1);
+    QCOMPARE(KVR_GetTeletextPage(m_id), 333);
 }
 
 void TestDeskPlayers::pictureFillsTheWindowAsTheDisplayModeSays_data()

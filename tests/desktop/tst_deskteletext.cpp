@@ -45,6 +45,7 @@ private slots:
     void bitmapSubtitlesAreShownAndHidden();
     void aTeletextPageIsShownTurnedAndHidden();
     void teletextCanBeSwitchedOff();
+    void aNewPlayerShowsTheTeletextThatWasAskedForBefore();
 
 private:
     KVR_ID m_id = -1;
@@ -122,6 +123,16 @@ void TestDeskTeletext::teletextCanBeSwitchedOff()
     QCOMPARE(KVR_GetTeletextPid(m_id), int(KVR_ERR_FAILED));
     QTRY_COMPARE(DeskEvents::count(KVR_EVENT_TELETEXT_PID), 1);
     QCOMPARE(KVR_SetTeletextPid(m_id, Broadcast::teletextPid), int(KVR_OK));
+    QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 1000);
+}
+
+void TestDeskTeletext::aNewPlayerShowsTheTeletextThatWasAskedForBefore()
+{
+    KVR_ClosePlayer(m_id);
+    m_id = KVR_CreatePlayer();
+    KVR_SetTeletextPage(m_id, densePage);
+    KVR_SetTeletextVisible(m_id, 1);
+    KVR_PlayFile(m_id, broadcast, 0, 0, 0, "", -1, -1, -1);
     QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 1000);
 }
 
