@@ -198,9 +198,12 @@ void TestDeskDevice::outputsAndHdmiTellOfChanges()
     DeskBox::setHdmiState(KVR_HDMI_UNPLUGGED);
     DeskBox::setHdmiState(KVR_HDMI_UNPLUGGED);
     DeskBox::setOutputsEnabled(false);
+    DeskBox::setOutputsEnabled(false);
     QCOMPARE(KVR_GetHdmiState(), int(KVR_HDMI_UNPLUGGED));
     QCOMPARE(KVR_IsOutportsEnabled(), 0);
-    QTRY_COMPARE(DeskEvents::all().size(), 3);
+    DeskBox::injectEvent(KVR_BOX, KVR_EVENT_SYNC_DONE, KVR_BOX);
+    QTRY_COMPARE(DeskEvents::count(KVR_EVENT_SYNC_DONE), 1);
+    QCOMPARE(DeskEvents::all().size(), 4);
     QCOMPARE(DeskEvents::count(KVR_EVENT_HDMI), 1);
     QCOMPARE(DeskEvents::of(KVR_EVENT_HDMI).constFirst().argument, int(KVR_HDMI_UNPLUGGED));
     QCOMPARE(DeskEvents::of(KVR_EVENT_OUTPUT_PORTS).constFirst().argument, 0);

@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <future>
 #include <thread>
 
 namespace {
@@ -29,6 +30,9 @@ int ignoreCall(int)
 
 } // namespace
 
+using Change = int (*)(KVR_ID);
+Q_DECLARE_METATYPE(Change)
+
 /// The desk box's delivery of events.
 class TestDeskEvents : public QObject
 {
@@ -43,7 +47,10 @@ private slots:
     void registrationsOfAPlayerEndWithIt();
     void wrongRegistrationsAreRefused();
     void aHandlerMayCallTheLibrary();
-    void theScreenHandlerHearsOfChangesUntilItIsTakenAway();
+    void theScreenHandlerHearsOfEachChange_data();
+    void theScreenHandlerHearsOfEachChange();
+    void theScreenHandlerHearsNothingWhenItIsTakenAway();
+    void theScreenHandlerIsTakenAwayWhenItsCallHasEnded();
 };
 
 void TestDeskEvents::init()
@@ -133,7 +140,47 @@ void TestDeskEvents::aHandlerMayCallTheLibrary()
     QTRY_COMPARE(KVR_GetPlayerState(id), int(KVR_ERR_INVALID_ID));
 }
 
-void TestDeskEvents::theScreenHandlerHearsOfChangesUntilItIsTakenAway()
+void TestDeskEvents::theScreenHandlerHearsOfEachChange_data()
+{
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char *name, Change change) { QTest::newRow(name) << change; };
+    row("layer's alpha", [](KVR_ID) { return KVR_SetGraphicsAlphaLevel(100); });
+    row("layer's visibility", [](KVR_ID) { return KVR_SetGraphicsVisible(0); });
+    row("layer's colour key", [](KVR_ID) { return KVR_SetChromaKey({1, 2, 3, 255}); });
+    row("use of the colour key", [](KVR_ID) { return KVR_SetChromaKeyEnable(1); });
+    row("resolution", [](KVR_ID) { return KVR_SetResolution(1280, 720); });
+    row("viewport", [](KVR_ID) {
+        const KVR_Rect viewport = {0, 0, 100, 100};
+        return KVR_SetGraphicsViewport(&viewport);
+    });
+    row("layout", [](KVR_ID) { return KVR_SetCurrentLayout(1); });
+    row("order", [](KVR_ID id) { return KVR_SetOrder(&id, 1); });
+    row("player's alpha", [](KVR_ID id) { return KVR_SetPlayerAlphaLevel(id, 100); });
+    row("player's visibility", [](KVR_ID id) { return KVR_SetPlayerVisible(id, 0); });
+    row("player's window", [](KVR_ID id) {
+        const KVR_Rect window = {0, 0, 100, 100};
+        return KVR_SetPlayerViewPort(id, &window);
+    });
+    row("player's end", KVR_ClosePlayer);
+}
+
+void TestDeskEvents::theScreenHandlerHearsOfEachChange()
+{
+    QFETCH(Change, change);
+    const KVR_ID id = KVR_CreatePlayer();
+    DeskBox::setScreenHandler([] { ++calls; });
+    QCOMPARE(change(id), int(KVR_OK));
+    DeskBox::setScreenHandler({});
+    QVERIFY(calls > 0);
+
+    KVR_ClosePlayer(id);
+    KVR_SetGraphicsAlphaLevel(255);
+    KVR_SetGraphicsVisible(1);
+    KVR_SetChromaKeyEnable(0);
+    KVR_SetCurrentLayout(0);
+}
+
+void TestDeskEvents::theScreenHandlerHearsNothingWhenItIsTakenAway()
 {
     DeskBox::setScreenHandler([] { ++calls; });
     KVR_SetGraphicsAlphaLevel(100);
@@ -143,6 +190,36 @@ void TestDeskEvents::theScreenHandlerHearsOfChangesUntilItIsTakenAway()
     DeskBox::setScreenHandler({});
     KVR_SetGraphicsVisible(1);
     QCOMPARE(calls.load(), 2);
+}
+
+void TestDeskEvents::theScreenHandlerIsTakenAwayWhenItsCallHasEnded()
+{
+    std::promise<void> mayEnd;
+    bool hasEnded = false;
+    DeskBox::setScreenHandler([&] {
+        if (++calls > 1)
+            return;
+        mayEnd.get_future().wait();
+        hasEnded = true;
+    });
+    std::thread caller([] { KVR_SetGraphicsVisible(1); });
+    QTRY_COMPARE(calls.load(), 1);
+    bool hadEnded = false;
+    std::thread remover([&] {
+        DeskBox::setScreenHandler({});
+        hadEnded = hasEnded;
+    });
+    // Changes are heard of no longer, but the call goes on.
+    const auto isHeard = [] {
+        const int before = calls;
+        KVR_SetGraphicsVisible(1);
+        return calls != before;
+    };
+    QTRY_VERIFY(!isHeard());
+    mayEnd.set_value();
+    remover.join();
+    caller.join();
+    QVERIFY(hadEnded);
 }
 
 QTEST_GUILESS_MAIN(TestDeskEvents)

@@ -3,6 +3,7 @@
 
 #include "BadSources.h"
 #include "DeskEvents.h"
+#include "LiveSource.h"
 #include "PlayerPicture.h"
 
 #include "platform/desktop/DeskBox.h"
@@ -11,10 +12,12 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <climits>
 #include <malloc.h>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -26,7 +29,8 @@ constexpr int longestFailure = 40000;
 #else
 constexpr int longestFailure = 15000;
 #endif
-constexpr std::size_t atOnce = DeskBox::maximumPlayers - 1; // one is for a row that is run alone
+constexpr int patience = 12000;                             // milliseconds, of a player to which nothing comes
+constexpr std::size_t atOnce = DeskBox::maximumPlayers - 3; // one is for a row that is run alone
 constexpr int mostGrowth = 16 * 1024; // KiB in eight players: two frames, since a busy computer may keep one
 constexpr double longestClosing = 20; // milliseconds
 
@@ -70,6 +74,8 @@ private slots:
     void cleanup();
     void aSourceThatFailsIsAnErrorInTime_data();
     void aSourceThatFailsIsAnErrorInTime();
+    void aPauseIsNoFailureHoweverLong();
+    void aSourceThatComesLateIsNoFailure();
     void closingReturnsAtOnceAndLeavesNothing_data();
     void closingReturnsAtOnceAndLeavesNothing();
     void aPlayerInErrorPlaysAgain();
@@ -83,13 +89,18 @@ private:
 
     void begin(Attempt *attempt);
     void beginNext();
+    void beginWhatDoesNotFail();
 
     BadSources m_sources;
     std::vector<BadSource> m_all;
     std::vector<Attempt> m_attempts; // of each source
     ErrorOutput m_log;
     KVR_ID m_done = -1; // player of the row
-    int m_tasks = 0;    // of a process without players
+    KVR_ID m_paused = -1;
+    QElapsedTimer m_sincePause;
+    KVR_ID m_late = -1;
+    std::unique_ptr<LiveSource> m_lateSource;
+    int m_tasks = 0; // of a process without players
 };
 
 void TestDeskFailures::initTestCase()
@@ -103,8 +114,26 @@ void TestDeskFailures::initTestCase()
     KVR_ClosePlayer(1); // what delivers events is there now
     m_tasks = entriesOf("/proc/self/task");
     m_attempts.resize(m_all.size());
+    beginWhatDoesNotFail();
     for (std::size_t i = 0; i < atOnce; ++i)
         beginNext();
+}
+
+// Meanwhile others fail.
+void TestDeskFailures::beginWhatDoesNotFail()
+{
+    m_paused = KVR_CreatePlayer();
+    BadSources::play(m_paused, BadSources::bars);
+    QTRY_COMPARE(KVR_GetPlayerState(m_paused), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(KVR_Pause(m_paused), int(KVR_OK));
+    m_sincePause.start();
+
+    const QByteArray address = "udp://127.0.0.1:" + QByteArray::number(freeUdpPort());
+    m_late = KVR_CreatePlayer();
+    BadSources::play(m_late, address);
+    QTimer::singleShot(patience * 3 / 4, this, [this, address] {
+        m_lateSource = std::make_unique<LiveSource>(BadSources::bars, "mpegts", address + "?pkt_size=1316");
+    });
 }
 
 void TestDeskFailures::begin(Attempt *attempt)
@@ -156,6 +185,20 @@ void TestDeskFailures::aSourceThatFailsIsAnErrorInTime()
     }
     QVERIFY2(told.contains(source.reason), qPrintable(told));
     QVERIFY(playerPicture(id).isNull());
+}
+
+void TestDeskFailures::aPauseIsNoFailureHoweverLong()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(m_sincePause.hasExpired(patience + 2000), patience + 3000);
+    QCOMPARE(KVR_GetPlayerState(m_paused), int(KVR_PLAYER_PAUSED));
+    QCOMPARE(KVR_ClosePlayer(m_paused), int(KVR_OK));
+}
+
+void TestDeskFailures::aSourceThatComesLateIsNoFailure()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_late), int(KVR_PLAYER_PLAYING), patience);
+    QCOMPARE(KVR_ClosePlayer(m_late), int(KVR_OK));
+    m_lateSource.reset();
 }
 
 void TestDeskFailures::closingReturnsAtOnceAndLeavesNothing_data()

@@ -143,6 +143,7 @@ void TestDeskGraphics::aWindowStandsWhereItWasPut_data()
     QTest::addColumn<QRect>("place");
     QTest::newRow("full resolution") << QSize(1920, 1080) << QRect(100, 50, 640, 360) << QRect(100, 50, 640, 360);
     QTest::newRow("scaled up") << QSize(1280, 720) << QRect(100, 50, 640, 360) << QRect(150, 75, 960, 540);
+    QTest::newRow("too small to be seen") << QSize(7680, 4320) << QRect(1, 1, 1, 1) << QRect(0, 0, 1, 1);
     QTest::newRow("rounded") << QSize(720, 576) << QRect(1, 1, 100, 100) << QRect(3, 2, 266, 187);
     QTest::newRow("partly off screen") << QSize(1280, 720) << QRect(-64, -36, 128, 72) << QRect(-96, -54, 192, 108);
 }
@@ -159,6 +160,8 @@ void TestDeskGraphics::aWindowStandsWhereItWasPut()
     KVR_Rect read = {};
     QCOMPARE(KVR_GetPlayerViewPort(id, &read), int(KVR_OK));
     QCOMPARE(rectOf(read), window);
+    KVR_SetResolution(1920, 1080);
+    QCOMPARE(placeOf(id), window);
 }
 
 void TestDeskGraphics::aNewWindowFillsTheScreenWhateverTheResolution()
@@ -177,7 +180,8 @@ void TestDeskGraphics::aNewWindowFillsTheScreenWhateverTheResolution()
 void TestDeskGraphics::wrongWindowsAreRefused()
 {
     const KVR_ID id = KVR_CreatePlayer();
-    for (const KVR_Rect &rect : {KVR_Rect{0, 0, 0, 10}, KVR_Rect{0, 0, 10, -1}, KVR_Rect{0, 0, 100000, 100000}})
+    for (const KVR_Rect &rect : {KVR_Rect{0, 0, 0, 10}, KVR_Rect{0, 0, 10, -1}, KVR_Rect{0, 0, 100000, 100000},
+                                 KVR_Rect{0, 0, 3841, 10}, KVR_Rect{0, 0, 10, 2161}})
         QCOMPARE(KVR_SetPlayerViewPort(id, &rect), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_SetPlayerViewPort(id, nullptr), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_SetPlayerAlphaLevel(id, 256), int(KVR_ERR_INVALID_ARGUMENT));

@@ -73,7 +73,7 @@ private slots:
     void rtpHeadersAreTakenOff();
     void multicastIsJoinedAndLeft_data();
     void multicastIsJoinedAndLeft();
-    void aLiveStreamHasNoDuration();
+    void aLiveStreamHasNoDurationAndNoWayBack();
     void aLiveStreamThatStopsIsAnError();
     void rtspPlays_data();
     void rtspPlays();
@@ -203,13 +203,16 @@ void TestDeskLive::multicastIsJoinedAndLeft()
     QCOMPARE(multicast(m_id), "239.255.77.1:" + port + " 0");
 }
 
-void TestDeskLive::aLiveStreamHasNoDuration()
+void TestDeskLive::aLiveStreamHasNoDurationAndNoWayBack()
 {
     const QString address = QString("udp://127.0.0.1:%1").arg(freeUdpPort());
     KVR_PlayStream(m_id, address.toUtf8(), -1, -1, -1);
     const LiveSource source(bars, "mpegts", address + "?pkt_size=1316");
     QVERIFY(comesToPlay(m_id));
     QCOMPARE(KVR_GetDuration(m_id), 0LL);
+    QCOMPARE(KVR_SetPosition(m_id, 0), int(KVR_ERR_NOT_SUPPORTED));
+    QCOMPARE(KVR_SetSpeed(m_id, -1), int(KVR_ERR_NOT_SUPPORTED));
+    QCOMPARE(KVR_GetSpeed(m_id), 1);
 }
 
 void TestDeskLive::aLiveStreamThatStopsIsAnError()

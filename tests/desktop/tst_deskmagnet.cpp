@@ -121,6 +121,7 @@ private slots:
     void cleanup();
     void theLargestFilePlaysUnlessOneIsNamed_data();
     void theLargestFilePlaysUnlessOneIsNamed();
+    void itPlaysFromAPosition();
     void itPlaysAndSeeksBeforeItIsDownloaded();
     void onlyTheFileThatPlaysIsDownloaded();
     void aFileThatIsNotThereIsAnError();
@@ -187,6 +188,13 @@ void TestDeskMagnet::theLargestFilePlaysUnlessOneIsNamed()
     checkPlaying();
     QTRY_VERIFY(qAbs(KVR_GetDuration(m_id) - seconds * 1000) < 500);
     QCOMPARE(KVR_GetVideoPid(m_id), TestMedia::videoPid);
+}
+
+void TestDeskMagnet::itPlaysFromAPosition()
+{
+    QCOMPARE(KVR_PlayMagnet(m_id, m_seeder->magnet(), "", 0, 20000, 0, 0, -1, -1, -1), int(KVR_OK));
+    checkPlaying();
+    QVERIFY(KVR_GetPosition(m_id) > 20000);
 }
 
 void TestDeskMagnet::itPlaysAndSeeksBeforeItIsDownloaded()

@@ -421,6 +421,11 @@ void TestDeskPlayers::wrongArgumentsAreRefused()
     QCOMPARE(KVR_PlayStream(m_id, "", -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_PlayHttp(m_id, "http://127.0.0.1/", nullptr, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_PlayRtsp(m_id, "rtsp://127.0.0.1/", 0, 2, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayRtsp(m_id, "rtsp://127.0.0.1/", 0, -1, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayRtsp(m_id, "rtsp://127.0.0.1/", -1, 0, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayMagnet(m_id, "magnet:?xt=urn", "", 0, -1, 0, 0, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayMagnet(m_id, "magnet:?xt=urn", nullptr, 0, 0, 0, 0, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
+    QCOMPARE(KVR_PlayMagnet(m_id, "", "", 0, 0, 0, 0, -1, -1, -1), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
 }
 

@@ -82,6 +82,7 @@ private slots:
     void httpPlaysAFileAndSeeksInIt();
     void httpPlaysAPlaylistOfSegments();
     void httpFollowsARedirect();
+    void whatStallsIsOpeningAgain();
     void fourPlayersPlaySmoothlySideBySide();
 
 private:
@@ -153,6 +154,16 @@ void TestDeskStreams::httpFollowsARedirect()
     server.redirect("/moved", server.url("/bars.ts"));
     KVR_PlayHttp(m_id, server.url("/moved").toEncoded(), "", -1, -1, -1);
     QVERIFY(comesToPlay(m_id));
+}
+
+void TestDeskStreams::whatStallsIsOpeningAgain()
+{
+    const QByteArray stream = boxFile(bars);
+    HttpServer server;
+    server.serve("/stalls.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, stream.size() / 4});
+    KVR_PlayHttp(m_id, server.url("/stalls.ts").toEncoded(), "", -1, -1, -1);
+    QVERIFY(comesToPlay(m_id));
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
 }
 
 void TestDeskStreams::fourPlayersPlaySmoothlySideBySide()

@@ -31,6 +31,8 @@ void TestKeyScript::aNameIsAKey_data()
     QTest::newRow("media key") << "VolumeUp" << int(Qt::Key_VolumeUp) << int(Qt::NoModifier) << "";
     QTest::newRow("the other name of a key") << "Esc" << int(Qt::Key_Escape) << int(Qt::NoModifier) << "\x1b";
     QTest::newRow("shortcut") << "Ctrl+L" << int(Qt::Key_L) << int(Qt::ControlModifier) << "";
+    QTest::newRow("shortcut of a key that types")
+        << "Ctrl+Esc" << int(Qt::Key_Escape) << int(Qt::ControlModifier) << "";
     QTest::newRow("two modifiers") << "Ctrl+Shift+C" << int(Qt::Key_C) << int(Qt::ControlModifier | Qt::ShiftModifier)
                                    << "";
     QTest::newRow("digit") << "7" << int(Qt::Key_7) << int(Qt::NoModifier) << "7";
@@ -82,6 +84,7 @@ void TestKeyScript::keysArePressedInOrderWithPauses()
     });
     clock.start();
     script.start();
+    QTRY_COMPARE(script.remaining(), QString("text:a text:B"));
     script.start(); // as when a second page has loaded
     QTRY_COMPARE(pressed, QStringList({"1000015", "1000015", "41a", "42B"}));
     QVERIFY(times[2] - times[1] >= 400);
