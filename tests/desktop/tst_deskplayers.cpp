@@ -10,10 +10,12 @@
 #include "tests/support/BoxFile.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <vector>
@@ -68,6 +70,21 @@ bool moves(KVR_ID id, int speed)
     return false;
 }
 
+// Whether a player stays where it is for a while.
+bool holds(KVR_ID id, long long *position)
+{
+    *position = KVR_GetPosition(id);
+    QTest::qWait(200);
+    return KVR_GetPosition(id) == *position;
+}
+
+// Whether this process has a file open.
+bool isOpen(const char *path)
+{
+    const QFileInfoList links = QDir("/proc/self/fd").entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(links.begin(), links.end(), [=](const QFileInfo &link) { return link.symLinkTarget() == path; });
+}
+
 int playFile(KVR_ID id, const char *path, long long position = 0, const char *subtitles = "")
 {
     return KVR_PlayFile(id, path, position, 0, 0, subtitles, -1, -1, -1);
@@ -114,6 +131,7 @@ private slots:
     void aHiddenWindowGetsItsPictureBack();
     void subtitlesAreChosenShownAndHidden();
     void anExternalSubtitleFileIsShown();
+    void whatLiesBesideAFileIsNoPartOfIt();
     void anUndecodableTrackIsToldApart();
     void aPlayerWithoutAnythingHasNoPicture();
     void thereAreSixteenPlayersAtMost();
@@ -255,7 +273,10 @@ void TestDeskPlayers::anAudioTrackIsChosenByItsPid()
     QCOMPARE(KVR_SetAudioPid(m_id, TestMedia::videoPid), int(KVR_ERR_INVALID_ARGUMENT));
     QCOMPARE(KVR_SetAudioPid(m_id, -1), int(KVR_OK));
     QCOMPARE(KVR_GetAudioPid(m_id), int(KVR_ERR_FAILED));
-    QTest::qWait(500); // what the player itself reports must agree
+    // When the core has carried out a later order, it has told of this one, and must agree.
+    DeskEvents::clear();
+    QCOMPARE(KVR_SetPosition(m_id, 9000), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(m_id) > 9100);
     QCOMPARE(KVR_GetAudioPid(m_id), int(KVR_ERR_FAILED));
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
 }
@@ -266,10 +287,8 @@ void TestDeskPlayers::pauseHoldsAndContinueGoesOn()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     QCOMPARE(KVR_Pause(m_id), int(KVR_OK));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
-    QTest::qWait(100);
-    const long long held = KVR_GetPosition(m_id);
-    QTest::qWait(300);
-    QCOMPARE(KVR_GetPosition(m_id), held);
+    long long held = -1;
+    QTRY_VERIFY(holds(m_id, &held));
     QCOMPARE(KVR_Continue(m_id), int(KVR_OK));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     QTRY_VERIFY(KVR_GetPosition(m_id) > held + 200);
@@ -282,7 +301,8 @@ void TestDeskPlayers::nextFrameShowsOneFrame()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
     KVR_Pause(m_id);
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
-    QTest::qWait(200);
+    long long held = -1;
+    QTRY_VERIFY(holds(m_id, &held));
     for (int i = 0; i < 3; ++i) {
         const long long before = KVR_GetPosition(m_id);
         const QImage picture = playerPicture(m_id);
@@ -623,6 +643,16 @@ void TestDeskPlayers::anExternalSubtitleFileIsShown()
     QCOMPARE(tracks(m_id, KVR_GetSubtitleTrackList).size(), 1);
 }
 
+void TestDeskPlayers::whatLiesBesideAFileIsNoPartOfIt()
+{
+    QVERIFY(TestMedia::makeSubtitles("/mnt/stb/wide.srt", "WWWWWWWW"));
+    QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:1", "-c", "copy", "/mnt/stb/wide.mka"}));
+    playFile(m_id, wide);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    QCOMPARE(tracks(m_id, KVR_GetSubtitleTrackList), QStringList());
+    QCOMPARE(tracks(m_id, KVR_GetAudioTrackList).size(), 1);
+}
+
 void TestDeskPlayers::anUndecodableTrackIsToldApart()
 {
     constexpr char patched[] = "/mnt/stb/patched.mkv";
@@ -649,10 +679,11 @@ void TestDeskPlayers::aPlayerWithoutAnythingHasNoPicture()
     QVERIFY(playerPicture(m_id).isNull());
     playFile(m_id, wide);
     QTRY_VERIFY(!playerPicture(m_id).isNull());
+    QVERIFY(isOpen(wide));
     QCOMPARE(KVR_Stop(m_id), int(KVR_OK));
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
     QVERIFY(playerPicture(m_id).isNull());
-    QTest::qWait(300);
+    QTRY_VERIFY(!isOpen(wide)); // the core has stopped too
     QVERIFY(playerPicture(m_id).isNull());
     QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_IDLE));
 }

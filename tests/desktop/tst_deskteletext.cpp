@@ -8,6 +8,8 @@
 
 #include <QTest>
 
+#include <utility>
+
 namespace {
 
 constexpr char picture[] = "/mnt/stb/picture.ts";
@@ -103,8 +105,12 @@ void TestDeskTeletext::aTeletextPageIsShownTurnedAndHidden()
     QCOMPARE(KVR_SetTeletextVisible(m_id, 1), int(KVR_OK));
     QTRY_COMPARE(DeskEvents::count(KVR_EVENT_TELETEXT_PAGE), 2);
     QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 1000);
-    QTest::qWait(1500); // a whole page
-    const int sparse = whitePixels(playerPicture(m_id));
+    int sparse = 0; // of a whole page
+    const auto isWhole = [&] {
+        const int before = std::exchange(sparse, whitePixels(playerPicture(m_id)));
+        return sparse > 1000 && sparse == before;
+    };
+    QTRY_VERIFY(isWhole());
     QCOMPARE(KVR_SetTeletextPage(m_id, densePage), int(KVR_OK));
     QCOMPARE(KVR_GetTeletextPage(m_id), densePage);
     QTRY_VERIFY(whitePixels(playerPicture(m_id)) > 2 * sparse);

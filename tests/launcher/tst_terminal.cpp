@@ -6,10 +6,12 @@
 #include <QSocketNotifier>
 #include <QTest>
 
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -65,6 +67,8 @@ private:
     /// Starts the desk box with both outputs in a pipe, of which the reading end is m_end.
     void beginInPipe(const QStringList &arguments);
 
+    bool isPipeFull() const;
+
     int m_end = -1;
 };
 
@@ -85,6 +89,12 @@ void TestTerminal::beginInPipe(const QStringList &arguments)
     begin(arguments);
     QVERIFY(m_program->waitForStarted());
     close(ends[1]);
+}
+
+bool TestTerminal::isPipeFull() const
+{
+    int unread = 0;
+    return ioctl(m_end, FIONREAD, &unread) == 0 && unread > fcntl(m_end, F_GETPIPE_SZ) - PIPE_BUF;
 }
 
 void TestTerminal::aPageCannotCommandTheTerminalNorForgeOurLines()
@@ -190,7 +200,7 @@ void TestTerminal::whatIsReadLateIsNotLost()
                              .toUtf8()));
     beginInPipe({m_server->url().toString()});
     QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList("loaded"), patience);
-    QTest::qWait(2000);
+    QTRY_VERIFY(isPipeFull());
     fcntl(m_end, F_SETFL, O_NONBLOCK);
     QByteArray all;
     bool isOver = false;

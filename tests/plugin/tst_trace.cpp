@@ -25,6 +25,18 @@ void placeLevelFile(const QByteArray &content)
         qFatal("Cannot place %s", levelFile);
 }
 
+// Notices a change of the level file after any that were there before it: the kernel tells all at once, and then it is
+// the turn of those that watch.
+class Watch
+{
+public:
+    bool hasNoticed() const { return !m_changes.isEmpty(); }
+
+private:
+    QFileSystemWatcher m_watcher{QStringList(levelFile)};
+    QSignalSpy m_changes{&m_watcher, &QFileSystemWatcher::fileChanged};
+};
+
 // The argument of a trace line that counts how often it was made a text.
 struct Counted
 {
@@ -363,14 +375,18 @@ void TestTrace::aNegativeLevelOutlivesItsFile()
     MessageLog log;
     writeBoxFile(levelFile, "-5\n");
     QTRY_VERIFY(log.contains("Set level to  -5"));
-    QFile::remove(levelFile);
-    QTest::qWait(200); // for the removal to be noticed
+    {
+        const Watch watch;
+        QFile::remove(levelFile);
+        QTRY_VERIFY(watch.hasNoticed());
+    }
 
     // The folder's watch sees the new file, but the file itself is not watched any more.
     placeLevelFile("1\n");
     QTRY_VERIFY(isTraced(plugin, log));
+    const Watch watch;
     writeBoxFile(levelFile, "0\n");
-    QTest::qWait(500); // longer than a watch takes
+    QTRY_VERIFY(watch.hasNoticed());
     QVERIFY(isTraced(plugin, log));
     QVERIFY(!log.contains("Set level to  0"));
 }

@@ -67,6 +67,8 @@ private slots:
     void nothingIsAskedWhileNothingHappens();
 
 private:
+    /// Until so many seconds have passed for the page.
+    void waitForPage(int seconds);
     void become(int state, long long position = 0, long long duration = 0);
 
     PortalPage m_portal;
@@ -318,6 +320,13 @@ void TestPortalPlayer::theTracksOfAnotherChannelReplaceThem()
     QTRY_COMPARE(m_portal.rows().size(), 4);
 }
 
+void TestPortalPlayer::waitForPage(int seconds)
+{
+    m_portal.evaluate(
+        QString("var havePassed = false; setTimeout(function () { havePassed = true; }, %1)").arg(1000 * seconds));
+    QTRY_VERIFY(m_portal.evaluate("havePassed").toBool());
+}
+
 void TestPortalPlayer::theBarGoesByItselfAndComesBack()
 {
     m_portal.evaluate(fasterTimers);
@@ -333,7 +342,7 @@ void TestPortalPlayer::theBarStaysWhileNothingMoves()
     m_portal.evaluate(fasterTimers);
     m_portal.press("Return");
     PortalPage::playerIs(KVR_PLAYER_OPENING);
-    QTest::qWait(500);
+    waitForPage(7);
     QVERIFY(m_portal.isShown("#playing"));
 }
 
