@@ -28,6 +28,7 @@ constexpr char serialNumber[] = "/home/user/config/serial_number";
 constexpr char useOddFiles[] = "use-odd-files";
 constexpr char storeForever[] = "store-forever";
 constexpr char tellSerialNumber[] = "tell-serial-number";
+constexpr char leaveInUpgrade[] = "leave-in-upgrade";
 constexpr int kills = 12;
 
 QByteArray textOf(int (*get)(char **))
@@ -87,6 +88,9 @@ private slots:
     void aKillLeavesTheOldOrTheNewParameters();
     void outputsAndHdmiTellOfChanges();
     void aWholeImageIsInstalled();
+    void anUpgradeFollowsNoLink();
+    void anImageComesFromTheNetworkAlone();
+    void theEndDoesNotWaitForAnUpgrade();
     void anImageThatDidNotArriveIsNotInstalled_data();
     void anImageThatDidNotArriveIsNotInstalled();
     void oneUpgradeAtATime();
@@ -223,6 +227,41 @@ void TestDeskDevice::aWholeImageIsInstalled()
     QCOMPARE(QDir("/home/user/firmware").entryList(QDir::Files), QStringList("image"));
 }
 
+void TestDeskDevice::anUpgradeFollowsNoLink()
+{
+    const QString kept = "/mnt/stb/kept";
+    writeBoxFile(kept, "kept");
+    QVERIFY(QFile::link(kept, QString(image) + ".part"));
+    HttpServer server;
+    server.serve("/image.bin", HttpServer::Page{"another image", "application/octet-stream"});
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware(server.url("/image.bin").toEncoded()), int(KVR_OK));
+    QTRY_VERIFY2(log.text().contains(" done"), qPrintable(log.text()));
+    QCOMPARE(boxFile(image), QByteArray("another image"));
+    QVERIFY(!QFileInfo(image).isSymLink());
+    QCOMPARE(boxFile(kept), QByteArray("kept"));
+}
+
+void TestDeskDevice::anImageComesFromTheNetworkAlone()
+{
+    const QByteArray before = boxFile(image);
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware("file:///proc/self/exe"), int(KVR_OK));
+    QTRY_VERIFY(log.text().contains(" failed: "));
+    QVERIFY2(log.text().contains("rotocol"), qPrintable(log.text()));
+    QCOMPARE(boxFile(image), before);
+}
+
+void TestDeskDevice::theEndDoesNotWaitForAnUpgrade()
+{
+    HttpServer server;
+    server.fallSilent();
+    QProcess other;
+    other.start(QCoreApplication::applicationFilePath(), {leaveInUpgrade, server.url("/image").toString()});
+    QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, 10000);
+    QCOMPARE(other.exitCode(), 0);
+}
+
 void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled_data()
 {
     QTest::addColumn<QByteArray>("answer");
@@ -237,6 +276,7 @@ void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled_data()
     QTest::newRow("closed at once") << QByteArray() << "Empty reply";
     QTest::newRow("to another scheme") << QByteArray("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\n\r\n")
                                        << "rotocol";
+    QTest::newRow("to FTP") << QByteArray("HTTP/1.1 302 Found\r\nLocation: ftp://127.0.0.1:1/a\r\n\r\n") << "rotocol";
 }
 
 void TestDeskDevice::anImageThatDidNotArriveIsNotInstalled()
@@ -331,6 +371,8 @@ int main(int argc, char *argv[])
         return readAndReplace();
     if (role == tellSerialNumber)
         return std::fputs(textOf(KVR_GetDeviceSerialNumber), stdout) < 0;
+    if (role == leaveInUpgrade && argc == 3)
+        return KVR_UpgradeFirmware(argv[2]);
     if (role == "tell-boot-parameter" && argc == 3)
         return std::fputs(bootParameter(argv[2]), stdout) < 0;
 
