@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -29,6 +30,12 @@ QStringList captures(const QString &text, const QString &pattern)
 QString nameOf(const QString &method)
 {
     return method.section('(', 0, 0).section(' ', -1);
+}
+
+QStringList namesOf(QStringList methods)
+{
+    std::transform(methods.begin(), methods.end(), methods.begin(), nameOf);
+    return methods;
 }
 
 QStringList parametersOf(const QString &method)
@@ -64,6 +71,7 @@ private slots:
 
 private:
     const ScriptApi::Object &object() const;
+    QStringList describedMethods() const;
 
     std::unique_ptr<HostedPlugin> m_plugin;
     QString m_reference;
@@ -102,15 +110,16 @@ const ScriptApi::Object &TestApiReference::object() const
     return ScriptApi::objects()[index];
 }
 
+// In headings, and in first cells of tables.
+QStringList TestApiReference::describedMethods() const
+{
+    return captures(m_reference, R"(^(?:#### |\| )`(\w+\([^`]*\))`)");
+}
+
 void TestApiReference::itHasEachMethodOnce()
 {
-    // Headings, and first cells of tables.
-    QStringList described;
-    for (const QString &method : captures(m_reference, R"(^(?:#### |\| )`(\w+\([^`]*\))`)"))
-        described += nameOf(method);
-    QStringList expected;
-    for (const QString &method : object().methods + object().additions)
-        expected += nameOf(method);
+    const QStringList described = namesOf(describedMethods());
+    QStringList expected = namesOf(object().methods + object().additions);
     // Without the method again that has arguments that may be left out.
     expected.removeDuplicates();
     QCOMPARE(listDifference(sorted(described), sorted(expected)), QString());
@@ -120,7 +129,8 @@ void TestApiReference::itHasEachMethodOnce()
 void TestApiReference::itHasEachParameter()
 {
     QMap<QString, QStringList> described;
-    for (const QString &method : captures(m_reference, R"(^(?:#### |\| )`(\w+\([^`]*\))`)"))
+    const QStringList methods = describedMethods();
+    for (const QString &method : methods)
         described[nameOf(method)] = parametersOf(method);
     for (const QString &method : object().methods) {
         // Behind a method comes the same without the arguments that may be left out.
@@ -139,9 +149,10 @@ void TestApiReference::itHasEachParameter()
 // Under a heading of its own, or in the table at the beginning of a section.
 void TestApiReference::itHasEachPropertyOnce()
 {
-    const QStringList sections = m_reference.split(QRegularExpression("\n##+ (?=The box\n|Properties\n)"));
+    static const QRegularExpression heading("\n##+ (?=The box\n|Properties\n)");
+    const QStringList sections = m_reference.split(heading).mid(1);
     QStringList found = captures(m_reference, R"(^### The property `(\w+)`$)");
-    for (const QString &section : sections.mid(1))
+    for (const QString &section : sections)
         found += captures(section.section("\n##", 0, 0), R"(^\| `(\w+)` \|)");
     QCOMPARE(listDifference(found, object().properties), QString());
 }
