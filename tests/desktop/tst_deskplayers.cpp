@@ -590,12 +590,16 @@ void TestDeskPlayers::aHiddenWindowGetsItsPictureBack()
     QCOMPARE(KVR_SetPlayerVisible(m_id, 0), int(KVR_OK));
     QCOMPARE(KVR_IsPlayerVisible(m_id), 0);
     QVERIFY(!DeskBox::playerWindows().front().visible);
-    KVR_Pause(m_id);
-    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
     playFile(m_id, narrow);
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+    KVR_Pause(m_id); // so that no further frame comes
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    long long held = -1;
+    QTRY_VERIFY(holds(m_id, &held));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(5, 540), blue)); // of the file before
     KVR_SetPlayerVisible(m_id, 1);
-    QTRY_VERIFY(!playerPicture(m_id).isNull() && isAbout(playerPicture(m_id).pixelColor(960, 540), blue));
+    QTRY_VERIFY(isAbout(playerPicture(m_id).pixelColor(5, 540), Qt::black));
+    QVERIFY(isAbout(playerPicture(m_id).pixelColor(960, 540), blue));
     KVR_SetPlayerAlphaLevel(m_id, 128);
     QCOMPARE(DeskBox::playerWindows().front().alpha, 128);
 }

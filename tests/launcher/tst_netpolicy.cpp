@@ -55,6 +55,7 @@ private slots:
     void whatIsAllowedMayBeReached_data();
     void whatIsAllowedMayBeReached();
     void anAllowedNameIsWhatItLeadsTo();
+    void ofANameOnlySoManyAddressesAreKept();
     void whatIsNoHostIsNotAllowed_data();
     void whatIsNoHostIsNotAllowed();
 };
@@ -295,6 +296,16 @@ void TestNetPolicy::anAllowedNameIsWhatItLeadsTo()
     policy.learn("nas.lan", addressesOf("192.168.1.5"));
     QVERIFY(policy.permits(addressOf("192.168.1.5")));
     QVERIFY(!policy.permits(addressOf("127.0.0.1")));
+}
+
+void TestNetPolicy::ofANameOnlySoManyAddressesAreKept()
+{
+    NetPolicy policy({AllowedHost::parse("nas.lan").value()});
+    policy.setFirstPage(QUrl("http://203.0.113.7/"));
+    for (int i = 0; i < 257; ++i)
+        policy.learn("nas.lan", addressesOf(QString("10.0.%1.%2").arg(i / 256).arg(i % 256)));
+    QVERIFY(policy.permits(addressOf("10.0.0.255")));
+    QVERIFY(!policy.permits(addressOf("10.0.1.0")));
 }
 
 void TestNetPolicy::whatIsNoHostIsNotAllowed_data()

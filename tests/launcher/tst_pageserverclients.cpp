@@ -3,6 +3,8 @@
 
 #include "PageServerTest.h"
 
+#include "launcher/LoopbackPeer.h"
+
 #include <QProcess>
 #include <QTest>
 
@@ -111,6 +113,7 @@ private slots:
     void manyConnectionsLeaveRoomForARequest();
     void manyUnreadAnswersLeaveRoomForARequest();
     void otherServersPagesDoNotEmbedIt();
+    void onlyAClientThatIsThereHasAUser();
 
 private:
     QByteArray get(const QByteArray &path) const
@@ -288,6 +291,36 @@ void TestPageServerClients::otherServersPagesDoNotEmbedIt()
 {
     QCOMPARE(ask("/index.html").header("Cross-Origin-Resource-Policy"), QByteArray("same-origin"));
     QCOMPARE(ask("/index.html").header("Access-Control-Allow-Origin"), QByteArray());
+}
+
+// Of another port the kernel tells who listens there, and of a client that its program has closed that it is root's.
+void TestPageServerClients::onlyAClientThatIsThereHasAUser()
+{
+    const auto addressOf = [](int socket) {
+        sockaddr_in address = {};
+        socklen_t size = sizeof address;
+        getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size);
+        return address;
+    };
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    const int client = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in any = {};
+    any.sin_family = AF_INET;
+    any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    QCOMPARE(bind(listener, reinterpret_cast<const sockaddr *>(&any), sizeof any), 0);
+    QCOMPARE(listen(listener, 1), 0);
+    const sockaddr_in server = addressOf(listener);
+    QCOMPARE(::connect(client, reinterpret_cast<const sockaddr *>(&server), sizeof server), 0);
+    const sockaddr_in clients = addressOf(client);
+    QVERIFY(LoopbackPeer::user(clients, server) == geteuid());
+
+    QVERIFY(LoopbackPeer::user(server, sockaddr_in()) == geteuid());
+    sockaddr_in nobodys = clients;
+    nobodys.sin_port = htons(1);
+    QVERIFY(!LoopbackPeer::user(server, nobodys));
+    ::close(client);
+    QVERIFY(!LoopbackPeer::user(clients, server));
+    ::close(listener);
 }
 
 QTEST_GUILESS_MAIN(TestPageServerClients)

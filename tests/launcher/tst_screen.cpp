@@ -11,6 +11,8 @@
 #include <QPointer>
 #include <QTest>
 
+#include <algorithm>
+
 namespace {
 
 constexpr Qt::GlobalColor leftColor = Qt::red;
@@ -28,6 +30,7 @@ public:
     }
 
     int paintings = 0;
+    QColor left = leftColor;
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -35,7 +38,7 @@ protected:
         ++paintings;
         QPainter painter(this);
         const int half = m_page.width() / 2;
-        painter.fillRect(0, 0, half, m_page.height(), leftColor);
+        painter.fillRect(0, 0, half, m_page.height(), left);
         painter.fillRect(half, 0, half, m_page.height(), rightColor);
     }
 
@@ -67,9 +70,12 @@ private slots:
     void anInvisibleLayerIsNotDrawnButItsWidgetLives();
     void theChromaKeyMakesExactlyOneColourTransparent_data();
     void theChromaKeyMakesExactlyOneColourTransparent();
+    void anotherChromaKeyIsTakenAtOnce();
+    void theChromaKeyIsThatOfThePageAsItIs();
     void aChangeOfTheLayerReachesTheScreenByItself();
     void videoDoesNotRepaintThePage();
     void aFrameIsShownInItsWindow();
+    void theWindowOfAClosedPlayerGoes();
     void theScreenOutlivesThePlugin();
     void theWindowShowsTheSamePicture();
     void theWindowKeepsTheShapeOfTheScreen();
@@ -205,6 +211,33 @@ void TestScreen::theChromaKeyMakesExactlyOneColourTransparent()
     verifySpots(screen.picture(), {{{100, 100}, leftColor}, {{1800, 100}, rightColor}});
 }
 
+void TestScreen::anotherChromaKeyIsTakenAtOnce()
+{
+    Screen screen;
+    screen.setPlugin(new Page({1280, 720}));
+    KVR_SetChromaKeyEnable(1);
+    KVR_SetChromaKey({255, 0, 0, 255});
+    verifySpots(screen.picture(), {{{100, 100}, Qt::black}, {{1800, 100}, rightColor}});
+    KVR_SetChromaKey({0, 0, 255, 255});
+    verifySpots(screen.picture(), {{{100, 100}, leftColor}, {{1800, 100}, Qt::black}});
+}
+
+void TestScreen::theChromaKeyIsThatOfThePageAsItIs()
+{
+    Screen screen;
+    auto *page = new Page({1280, 720});
+    screen.setPlugin(page);
+    KVR_SetChromaKeyEnable(1);
+    KVR_SetChromaKey({255, 0, 0, 255});
+    verifySpots(screen.picture(), {{{100, 100}, Qt::black}});
+    page->left = Qt::green;
+    page->update();
+    QTRY_COMPARE(screen.picture().pixelColor(100, 100), QColor(Qt::green));
+    page->left = leftColor;
+    page->update();
+    QTRY_COMPARE(screen.picture().pixelColor(100, 100), QColor(Qt::black));
+}
+
 void TestScreen::aChangeOfTheLayerReachesTheScreenByItself()
 {
     Screen screen;
@@ -279,6 +312,24 @@ void TestScreen::aFrameIsShownInItsWindow()
     window.place = {10, 10, 4, 2};
     item->setWindow(window);
     verifySpots(render(), {{{100, 50}, Qt::white}, {{10, 11}, QColor(3, 2, 1)}, {{13, 10}, QColor(6, 5, 4)}});
+}
+
+void TestScreen::theWindowOfAClosedPlayerGoes()
+{
+    Screen screen;
+    const auto windows = [&screen] {
+        const QList<QGraphicsItem *> items = screen.items();
+        return std::count_if(items.begin(), items.end(), [](const QGraphicsItem *item) {
+            return dynamic_cast<const PlayerItem *>(item) != nullptr;
+        });
+    };
+    const KVR_ID one = KVR_CreatePlayer();
+    const KVR_ID other = KVR_CreatePlayer();
+    QTRY_COMPARE(windows(), 2);
+    KVR_ClosePlayer(one);
+    QTRY_COMPARE(windows(), 1);
+    KVR_ClosePlayer(other);
+    QTRY_COMPARE(windows(), 0);
 }
 
 void TestScreen::theScreenOutlivesThePlugin()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "launcher/closed/KernelScope.h"
+#include "launcher/Report.h"
 #include "launcher/net/NetGate.h"
 
 #include <QNetworkDatagram>
@@ -68,6 +69,7 @@ private slots:
     void aSocketThatIsConnectedSends();
     void socketsOfOtherKindsAreLeftAlone();
     void whatIsRefusedIsTold();
+    void aPageThatTriesManyAddressesIsNotToldOfAll();
 
 private:
     using Call = std::function<ssize_t(sockaddr_in *)>;
@@ -246,6 +248,23 @@ void TestSockets::whatIsRefusedIsTold()
     NetGate::running()->tellAgain();
     QCOMPARE(::connect(m_socket, generic(refused), sizeof refused), -1);
     QCOMPARE(told.size(), 2);
+}
+
+void TestSockets::aPageThatTriesManyAddressesIsNotToldOfAll()
+{
+    NetGate::running()->tellAgain();
+    const QSignalSpy told(NetGate::running(), &NetGate::refused);
+    QStringList said;
+    setReporter([&said](const QByteArray &text, bool) { said += QString::fromLocal8Bit(text); });
+    for (int i = 0; i < 300; ++i) {
+        const QByteArray host = "10.9." + QByteArray::number(i / 250) + '.' + QByteArray::number(1 + i % 250);
+        const sockaddr_in refused = addressOf(host.constData(), 80);
+        QCOMPARE(::connect(m_socket, generic(refused), sizeof refused), -1);
+    }
+    setReporter(nullptr);
+    QCOMPARE(told.size(), 100);
+    QVERIFY(said.size() > 50 && said.size() <= 100); // some were said before
+    QVERIFY(said.last().endsWith("; further addresses are refused without a word"));
 }
 
 QTEST_GUILESS_MAIN(TestSockets)

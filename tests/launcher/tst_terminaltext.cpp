@@ -86,6 +86,7 @@ void TestTerminalText::theLastFiftyLinesAreKept()
     }
     for (const int size : {1, 7, 100, 100000}) {
         LastLines lines;
+        lines.add(0, "begun "); // the first of the lines
         for (int begin = 0; begin < text.size(); begin += size)
             lines.add(0, text.mid(begin, size));
         QCOMPARE(lines.lines(), expected);
