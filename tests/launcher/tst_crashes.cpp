@@ -6,6 +6,8 @@
 
 #include "launcher/CrashFile.h"
 
+#include "tests/support/FileSizeLimit.h"
+
 #include <QDir>
 #include <QRegularExpression>
 #include <QTest>
@@ -31,6 +33,7 @@ private slots:
     void aCrashIsSaidAndKept_data();
     void aCrashIsSaidAndKept();
     void aCrashFileFollowsNoLinks();
+    void aCrashFileThatDoesNotFitIsNotKept();
     void theOldestCrashFilesGo();
     void keptRunningItStartsAgainAndPressesNoKeys();
     void keptRunningItStillEndsAtItsTime();
@@ -112,6 +115,18 @@ void TestCrashes::aCrashFileFollowsNoLinks()
     QCOMPARE(CrashFile::write(m_box, "text", &error), QString());
     QVERIFY(!error.isEmpty());
     QCOMPARE(QDir(m_folder->filePath("elsewhere")).entryList(QDir::Files), QStringList());
+}
+
+void TestCrashes::aCrashFileThatDoesNotFitIsNotKept()
+{
+    QVERIFY(QDir(m_box).mkpath("tmp"));
+    QString error;
+    {
+        const FileSizeLimit limit(100);
+        QCOMPARE(CrashFile::write(m_box, QByteArray(1000, 'x'), &error), QString());
+    }
+    QCOMPARE(error, QString("File too large"));
+    QCOMPARE(crashFiles(), QStringList());
 }
 
 void TestCrashes::theOldestCrashFilesGo()

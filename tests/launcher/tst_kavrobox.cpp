@@ -56,8 +56,10 @@ void TestKavroBox::thePictureIsThePageAtTheSizeOfTheScreen()
                          "div { position: absolute; width: 640px; height: 360px }</style>"
                          "<div style='background: #ff0000'></div>"
                          "<div style='background: #0000ff; left: 640px; top: 360px'></div>"));
+    QVERIFY(writeFile(m_picture, QByteArray(10 << 20, 'x'))); // what was there before
     QCOMPARE(run({m_server->url().toString()}), 0);
     QCOMPARE(told(), QStringList("1280x720"));
+    QVERIFY(contentOf(m_picture).endsWith("IEND\xae\x42\x60\x82"));
     const QImage picture(m_picture);
     QCOMPARE(picture.size(), QSize(1920, 1080));
     QCOMPARE(picture.pixelColor(0, 0), QColor(255, 0, 0));

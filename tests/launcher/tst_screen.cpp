@@ -75,6 +75,8 @@ private slots:
     void aChangeOfTheLayerReachesTheScreenByItself();
     void videoDoesNotRepaintThePage();
     void aFrameIsShownInItsWindow();
+    void aChangeOfAWindowIsPainted_data();
+    void aChangeOfAWindowIsPainted();
     void theWindowOfAClosedPlayerGoes();
     void theScreenOutlivesThePlugin();
     void theWindowShowsTheSamePicture();
@@ -82,6 +84,12 @@ private slots:
 };
 
 namespace {
+
+bool isAbout(const QColor &color, const QColor &expected)
+{
+    return qAbs(color.red() - expected.red()) <= 2 && qAbs(color.green() - expected.green()) <= 2
+        && qAbs(color.blue() - expected.blue()) <= 2;
+}
 
 void verifySpots(const QImage &picture, const QList<Spot> &spots)
 {
@@ -247,6 +255,8 @@ void TestScreen::aChangeOfTheLayerReachesTheScreenByItself()
     QTRY_COMPARE(window.grab().toImage().pixelColor(100, 100), QColor(leftColor));
     KVR_SetGraphicsAlphaLevel(0);
     QTRY_COMPARE(window.grab().toImage().pixelColor(100, 100), QColor(Qt::black));
+    KVR_SetGraphicsAlphaLevel(255);
+    QTRY_COMPARE(window.grab().toImage().pixelColor(100, 100), QColor(leftColor));
 }
 
 void TestScreen::videoDoesNotRepaintThePage()
@@ -304,6 +314,10 @@ void TestScreen::aFrameIsShownInItsWindow()
     window.alpha = 0;
     item->setWindow(window);
     verifySpots(render(), {{{100, 50}, Qt::white}});
+    window.alpha = 128;
+    item->setWindow(window);
+    QVERIFY2(isAbout(render().pixelColor(100, 50), QColor(128, 128, 127)),
+             qPrintable(render().pixelColor(100, 50).name()));
     window.alpha = 255;
     window.visible = false;
     item->setWindow(window);
@@ -312,6 +326,53 @@ void TestScreen::aFrameIsShownInItsWindow()
     window.place = {10, 10, 4, 2};
     item->setWindow(window);
     verifySpots(render(), {{{100, 50}, Qt::white}, {{10, 11}, QColor(3, 2, 1)}, {{13, 10}, QColor(6, 5, 4)}});
+}
+
+void TestScreen::aChangeOfAWindowIsPainted_data()
+{
+    QTest::addColumn<QRect>("place");
+    QTest::addColumn<bool>("isNewFrame");
+    QTest::addColumn<bool>("isPainted");
+    QTest::newRow("another frame") << QRect(10, 10, 40, 20) << true << true;
+    QTest::newRow("smaller") << QRect(10, 10, 20, 10) << false << true;
+    QTest::newRow("elsewhere") << QRect(50, 50, 40, 20) << false << true;
+    QTest::newRow("none") << QRect(10, 10, 40, 20) << false << false;
+}
+
+void TestScreen::aChangeOfAWindowIsPainted()
+{
+    QFETCH(QRect, place);
+    QFETCH(bool, isNewFrame);
+    QFETCH(bool, isPainted);
+    const auto frame = [] {
+        auto made = std::make_shared<DeskBox::Frame>();
+        *made = {1, 1, 4, {1, 2, 3, 0}};
+        return made;
+    };
+    QGraphicsScene scene(0, 0, 200, 100);
+    auto *item = new PlayerItem;
+    scene.addItem(item);
+    DeskBox::PlayerWindow window;
+    window.place = {10, 10, 40, 20};
+    window.frame = frame();
+    item->setWindow(window);
+    QRegion painted;
+    connect(&scene, &QGraphicsScene::changed, this, [&painted](const QList<QRectF> &parts) {
+        for (const QRectF &part : parts)
+            painted += part.toAlignedRect();
+    });
+    QTRY_VERIFY(painted.contains(QRect(10, 10, 40, 20)));
+
+    painted = QRegion();
+    window.place = {place.x(), place.y(), place.width(), place.height()};
+    if (isNewFrame)
+        window.frame = frame();
+    item->setWindow(window);
+    // What comes after it.
+    const QRect corner(199, 99, 1, 1);
+    scene.update(corner);
+    QTRY_VERIFY(painted.contains(corner));
+    QCOMPARE(painted.contains(QRect(10, 10, 40, 20)), isPainted);
 }
 
 void TestScreen::theWindowOfAClosedPlayerGoes()
