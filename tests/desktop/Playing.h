@@ -7,6 +7,14 @@
 
 #include <QTest>
 
+/// Whether a player stays where it is for a while.
+inline bool holds(KVR_ID id)
+{
+    const long long position = KVR_GetPosition(id);
+    QTest::qWait(200);
+    return KVR_GetPosition(id) == position;
+}
+
 /// Whether a player comes to play: in that state, with a picture, and moving on.
 inline bool comesToPlay(KVR_ID id)
 {
