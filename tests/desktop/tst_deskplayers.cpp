@@ -217,7 +217,7 @@ void TestDeskPlayers::theSubtitlesToBeginWithCanBeChosen()
     QVERIFY(TestMedia::makeSubtitles(others, "WWWWWWWW"));
     playFile(m_id, film);
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
-    const int english = tracks(m_id, KVR_GetSubtitleTrackList).last().section(' ', 0, 0).toInt();
+    const int english = tracks(m_id, KVR_GetSubtitleTrackList).constLast().section(' ', 0, 0).toInt();
     for (const char *file : {"", others}) {
         QCOMPARE(KVR_PlayFile(m_id, film, 0, 0, 0, file, -1, -1, english), int(KVR_OK));
         QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));

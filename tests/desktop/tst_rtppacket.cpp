@@ -9,11 +9,11 @@ namespace {
 
 // A header without sources, extension and padding has 80 for its first byte: 20 stands for padding, 10 for an
 // extension, and the last digit for the number of sources.
-const QByteArray restOfHeader = QByteArray::fromHex("21 0001 00000002 00000003");
+constexpr char restOfHeader[] = "21 0001 00000002 00000003";
 
 QByteArray packet(const char *firstByte, const char *rest)
 {
-    return QByteArray::fromHex(firstByte) + restOfHeader + QByteArray::fromHex(rest);
+    return QByteArray::fromHex(QByteArray(firstByte) + restOfHeader + rest);
 }
 
 } // namespace
