@@ -3,6 +3,8 @@
 
 #include "Places.h"
 
+#include "platform/desktop/DeskBox.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -40,5 +42,5 @@ QString Places::programInside()
 
 bool Places::isInside()
 {
-    return QFile::exists("/box/bin/reboot");
+    return QFile::exists(DeskBox::sign);
 }

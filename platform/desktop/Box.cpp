@@ -2,6 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "Box.h"
+#include "BoxPaths.h"
+#include "DeskBox.h"
+
+#include <pthread.h>
+#include <unistd.h>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -13,6 +18,38 @@ namespace {
 
 // How long the end of the process waits for streams that do not let go of their players.
 constexpr std::chrono::seconds longestFarewell{2};
+
+// How long a program may take to set itself up, before it shares its environment and its limits with recordings.
+constexpr std::chrono::milliseconds settling{300};
+
+constexpr std::size_t stackSize = 1 << 20;
+
+// Makes the recordings that are due when the library is loaded, without a call, if there is a schedule: in a box. Any
+// other program that has the library, on the PC, leaves the files of that name alone.
+class ScheduleStarter
+{
+public:
+    ScheduleStarter()
+    {
+        if (::access(DeskBox::sign, F_OK) != 0 || ::access(BoxPaths::records, F_OK) != 0)
+            return;
+        // A thread that is made before the program has set its own has a stack like the main one's, of 256 MB.
+        pthread_attr_t usual;
+        pthread_attr_t small;
+        if (pthread_getattr_default_np(&usual) != 0)
+            return;
+        pthread_getattr_default_np(&small);
+        pthread_attr_setstacksize(&small, stackSize);
+        pthread_setattr_default_np(&small);
+        m_queue.postAt(TaskQueue::Clock::now() + settling, [] { box().records.start(); });
+        pthread_setattr_default_np(&usual);
+    }
+
+private:
+    TaskQueue m_queue;
+};
+
+const ScheduleStarter starter;
 
 } // namespace
 

@@ -10,7 +10,7 @@
 #include "GraphicsState.h"
 #include "Outputs.h"
 #include "PlayerTable.h"
-#include "RecordScheduler.h"
+#include "Recordings.h"
 #include "ScreenNotifier.h"
 
 namespace Desk {
@@ -28,7 +28,7 @@ struct Box
     BoxIdentity identity;
     BootParameterStore bootParameters{events};
     Firmware firmware;
-    RecordScheduler records{events};
+    Recordings records{events};
 
     /// Ends what goes on in the background, when the process ends.
     void finish();

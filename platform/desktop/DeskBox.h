@@ -19,6 +19,9 @@
 
 namespace DeskBox {
 
+/// Only inside a box there is this file.
+constexpr char sign[] = "/box/bin/reboot";
+
 /// So many players there can be at once, more than any page shows: KVR_CreatePlayer refuses a further one, and the log
 /// says so. Each takes 10 MB and more, and threads of its own.
 constexpr std::size_t maximumPlayers = 16;

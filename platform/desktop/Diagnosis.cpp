@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "Diagnosis.h"
+#include "Address.h"
 
 #include <chrono>
 
@@ -27,7 +28,7 @@ std::string Desk::diagnose(const std::string &address)
         return Clock::now() > *static_cast<Clock::time_point *>(until) ? 1 : 0;
     };
     source->interrupt_callback.opaque = &deadline;
-    const int result = avformat_open_input(&source, address.c_str(), nullptr, nullptr);
+    const int result = avformat_open_input(&source, Address(address).text().c_str(), nullptr, nullptr);
     avformat_close_input(&source);
     if (result >= 0 || result == AVERROR_EXIT)
         return {};

@@ -34,7 +34,7 @@ KVR_ID KVR_AddRecord(const char *url, const char *file, uint32_t start, int dura
         record.file = file;
         record.start = start;
         record.duration = duration;
-        return box().records.add(record);
+        return box().records.book().add(record);
     });
 }
 
@@ -44,7 +44,7 @@ int KVR_GetRecordsList(KVR_Record **records, int *count)
         return KVR_ERR_INVALID_ARGUMENT;
     return apiCall(__func__, [=] {
         std::vector<KVR_Record> entries;
-        for (const Record &record : box().records.all())
+        for (const Record &record : box().records.book().all())
             entries.push_back(entryOf(record));
         return newArray(entries, records, count);
     });
@@ -53,35 +53,35 @@ int KVR_GetRecordsList(KVR_Record **records, int *count)
 int KVR_GetRecordStatus(KVR_ID id)
 {
     return apiCall(__func__, [=]() -> int {
-        const auto record = box().records.find(id);
+        const auto record = box().records.book().find(id);
         return record ? static_cast<int>(record->state) : KVR_ERR_INVALID_ID;
     });
 }
 
 int KVR_SetRecordStartTime(KVR_ID id, uint32_t start)
 {
-    return apiCall(__func__, [=] { return box().records.setStart(id, start); });
+    return apiCall(__func__, [=] { return box().records.book().setStart(id, start); });
 }
 
 int KVR_SetRecordDuration(KVR_ID id, int duration)
 {
     if (duration <= 0)
         return KVR_ERR_INVALID_ARGUMENT;
-    return apiCall(__func__, [=] { return box().records.setDuration(id, duration); });
+    return apiCall(__func__, [=] { return box().records.book().setDuration(id, duration); });
 }
 
 int KVR_SetRecordFilename(KVR_ID id, const char *file)
 {
     if (!file)
         return KVR_ERR_INVALID_ARGUMENT;
-    return apiCall(__func__, [=] { return box().records.setFile(id, file); });
+    return apiCall(__func__, [=] { return box().records.book().setFile(id, file); });
 }
 
 int KVR_SetRecordUrl(KVR_ID id, const char *url)
 {
     if (!url || !*url)
         return KVR_ERR_INVALID_ARGUMENT;
-    return apiCall(__func__, [=] { return box().records.setUrl(id, url); });
+    return apiCall(__func__, [=] { return box().records.book().setUrl(id, url); });
 }
 
 const char *KVR_GetRecordFilename(KVR_ID id)
@@ -89,7 +89,7 @@ const char *KVR_GetRecordFilename(KVR_ID id)
     static thread_local std::string name;
     name.clear();
     apiCall(__func__, [=] {
-        if (const auto record = box().records.find(id))
+        if (const auto record = box().records.book().find(id))
             name = record->file;
         return KVR_OK;
     });
@@ -103,7 +103,7 @@ int KVR_CleanUpRecords(void)
 
 int KVR_DeleteRecord(KVR_ID id)
 {
-    return apiCall(__func__, [=] { return box().records.remove(id); });
+    return apiCall(__func__, [=] { return box().records.book().remove(id); });
 }
 
 int KVR_SetRecordsSharedCallback(KVR_EventHandler handler)

@@ -23,6 +23,8 @@ struct Record
     bool ownsFile = false; ///< the file is what this recording wrote
 
     std::int64_t end() const { return begin + duration; }
+    /// In words for the log.
+    std::string name() const { return "recording " + std::to_string(id) + " of " + url + " into " + file; }
     bool ended() const { return state != KVR_RECORD_SCHEDULED && state != KVR_RECORD_RUNNING; }
 };
 

@@ -56,7 +56,7 @@ int openFolder(const std::filesystem::path &path, Missing missing)
 
 } // namespace
 
-std::string RecordFile::problemOf(const std::string &name)
+Problem RecordFile::problemOf(const std::string &name)
 {
     const std::filesystem::path path = belowRoot(name);
     if (path.empty())
@@ -91,10 +91,9 @@ RecordFile::~RecordFile()
         ::close(m_file);
 }
 
-std::string RecordFile::create(const std::string &name)
+Problem RecordFile::create(const std::string &name)
 {
-    std::string problem = problemOf(name);
-    if (!problem.empty())
+    if (Problem problem = problemOf(name))
         return problem;
     const std::filesystem::path path = belowRoot(name);
     const int folder = openFolder(path, Missing::Create);
@@ -103,10 +102,12 @@ std::string RecordFile::create(const std::string &name)
     m_file = ::openat(folder, path.filename().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
     const int error = errno;
     ::close(folder);
-    return m_file >= 0 ? std::string() : name + ": " + std::strerror(error);
+    if (m_file < 0)
+        return name + ": " + std::strerror(error);
+    return {};
 }
 
-std::string RecordFile::write(const unsigned char *data, int size)
+Problem RecordFile::write(const unsigned char *data, int size)
 {
     while (size > 0) {
         const ssize_t written = ::write(m_file, data, static_cast<std::size_t>(size));

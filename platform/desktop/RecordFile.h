@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "Problem.h"
+
 #include <string>
 
 namespace Desk {
@@ -11,9 +13,9 @@ namespace Desk {
 class RecordFile
 {
 public:
-    /// What is wrong with a file name, or an empty text. A relative name is one below the storage root; an absolute one
+    /// What is wrong with a file name. A relative name is one below the storage root; an absolute one
     /// must lie there. It has no more than eight folders.
-    static std::string problemOf(const std::string &name);
+    static Problem problemOf(const std::string &name);
 
     /// Whether two names are of one file.
     static bool areSame(const std::string &name, const std::string &other);
@@ -26,11 +28,11 @@ public:
     RecordFile &operator=(const RecordFile &) = delete;
     ~RecordFile();
 
-    /// Creates the file, and folders for it that are missing. The reason when it cannot be, an empty text when it can.
-    std::string create(const std::string &name);
+    /// Creates the file, and folders for it that are missing.
+    Problem create(const std::string &name);
 
-    /// The reason when not all of it can be written, otherwise an empty text.
-    std::string write(const unsigned char *data, int size);
+    /// Writes all of it, unless there is a problem.
+    Problem write(const unsigned char *data, int size);
 
 private:
     int m_file = -1;

@@ -8,12 +8,8 @@
 
 #include "common/other/regularfile.h"
 
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QString>
-#include <QVariant>
-
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 using namespace Desk;
@@ -23,10 +19,7 @@ namespace {
 // Some hundred bytes a recording: nobody has scheduled as many as this.
 constexpr long long largestSchedule = 64LL << 20;
 
-QString connectionName()
-{
-    return QStringLiteral("kavro-records");
-}
+constexpr int patience = 5000; // milliseconds, with another program that has the database locked
 
 // Whether what is in the place of the schedule, if anything, can be one.
 bool isUsable()
@@ -40,131 +33,162 @@ bool isUsable()
     return oddity.empty();
 }
 
-std::string problemOf(const QSqlError &error)
+// The text stays where it is until the statement has run.
+void bind(sqlite3_stmt *statement, int number, const std::string &text)
 {
-    return "recording schedule " + std::string(BoxPaths::records) + ": " + error.text().toStdString();
+    sqlite3_bind_text(statement, number, text.data(), static_cast<int>(text.size()), nullptr);
 }
 
-// The columns of a record behind its identifier, in the order of the table.
-void bindColumns(QSqlQuery &query, const Record &record)
+std::string textOf(sqlite3_stmt *statement, int column)
 {
-    query.addBindValue(QString::fromStdString(record.url));
-    query.addBindValue(QString::fromStdString(record.file));
-    query.addBindValue(record.start);
-    query.addBindValue(static_cast<qlonglong>(record.begin));
-    query.addBindValue(record.duration);
-    query.addBindValue(static_cast<int>(record.state));
-    query.addBindValue(record.ownsFile);
+    const auto *text = static_cast<const char *>(sqlite3_column_blob(statement, column));
+    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))) : std::string();
 }
 
-Record recordOf(const QSqlQuery &query)
+Record recordOf(sqlite3_stmt *row)
 {
     Record record;
-    record.id = query.value(0).toInt();
-    record.url = query.value(1).toString().toStdString();
-    record.file = query.value(2).toString().toStdString();
-    record.start = query.value(3).toUInt();
-    record.begin = query.value(4).toLongLong();
-    record.duration = query.value(5).toInt();
-    record.state = static_cast<KVR_RecordState>(query.value(6).toInt());
-    record.ownsFile = query.value(7).toBool();
+    record.id = sqlite3_column_int(row, 0);
+    record.url = textOf(row, 1);
+    record.file = textOf(row, 2);
+    record.start = static_cast<std::uint32_t>(sqlite3_column_int64(row, 3));
+    record.begin = sqlite3_column_int64(row, 4);
+    record.duration = sqlite3_column_int(row, 5);
+    record.state = static_cast<KVR_RecordState>(sqlite3_column_int(row, 6));
+    record.ownsFile = sqlite3_column_int(row, 7) != 0;
     return record;
 }
 
 } // namespace
 
+void RecordStore::Closer::operator()(sqlite3 *database) const
+{
+    sqlite3_close(database);
+}
+
+void RecordStore::Closer::operator()(sqlite3_stmt *statement) const
+{
+    sqlite3_finalize(statement);
+}
+
 RecordStore::RecordStore()
-    : m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName()))
 {
-    if (!m_database.isValid() || !makeFolderOf(BoxPaths::records)) {
-        log("no recording schedule: the SQLite driver of Qt (libqt5sql5-sqlite) or the folder is missing");
-        return;
+    if (makeFolderOf(BoxPaths::records) && isUsable() && !open()) {
+        tellProblem();
+        m_database.reset();
     }
-    if (!isUsable())
-        return;
-    m_database.setDatabaseName(QString::fromUtf8(BoxPaths::records));
-    if (!m_database.open()) {
-        log(problemOf(m_database.lastError()));
-        return;
-    }
+}
+
+RecordStore::~RecordStore() = default;
+
+bool RecordStore::open()
+{
+    sqlite3 *database = nullptr;
+    const int result = sqlite3_open(BoxPaths::records, &database);
+    m_database.reset(database);
+    if (result != SQLITE_OK)
+        return false;
+    sqlite3_busy_timeout(database, patience);
     // With a write-ahead log a commit waits for no disk, and still outlives the process.
-    const bool ready = execute("PRAGMA journal_mode=WAL") && execute("PRAGMA synchronous=NORMAL")
-        && execute("CREATE TABLE IF NOT EXISTS records (id INTEGER PRIMARY KEY AUTOINCREMENT, url TEXT, file TEXT, "
-                   "start INTEGER, begin INTEGER, duration INTEGER, state INTEGER, owns_file INTEGER)");
-    if (!ready)
-        m_database.close();
+    if (!execute("PRAGMA journal_mode=WAL") || !execute("PRAGMA synchronous=NORMAL")
+        || !execute("CREATE TABLE IF NOT EXISTS records (id INTEGER PRIMARY KEY AUTOINCREMENT, url TEXT, file TEXT, "
+                    "start INTEGER, begin INTEGER, duration INTEGER, state INTEGER, owns_file INTEGER)"))
+        return false;
+    m_begin = prepared("BEGIN IMMEDIATE");
+    m_put = prepared("INSERT OR REPLACE INTO records (id, url, file, start, begin, duration, state, owns_file) "
+                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    m_remove = prepared("DELETE FROM records WHERE id = ?");
+    m_commit = prepared("COMMIT");
+    return m_begin && m_put && m_remove && m_commit;
 }
 
-RecordStore::~RecordStore()
+bool RecordStore::execute(const char *text)
 {
-    m_database.close();
-    m_database = QSqlDatabase();
-    QSqlDatabase::removeDatabase(connectionName());
+    return sqlite3_exec(m_database.get(), text, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-// Without a database there is nothing to prepare, which the toolkit would log.
-QSqlQuery RecordStore::prepared(const QString &statement) const
+RecordStore::Statement RecordStore::prepared(const char *text)
 {
-    QSqlQuery query(m_database);
-    if (isOpen())
-        query.prepare(statement);
-    return query;
-}
-
-bool RecordStore::execute(const char *statement)
-{
-    QSqlQuery query(m_database);
-    return hasSucceeded(query, query.exec(QString::fromLatin1(statement)));
-}
-
-bool RecordStore::execute(QSqlQuery &query)
-{
-    return isOpen() && hasSucceeded(query, query.exec());
+    sqlite3_stmt *statement = nullptr;
+    sqlite3_prepare_v2(m_database.get(), text, -1, &statement, nullptr);
+    return Statement(statement);
 }
 
 // A problem that lasts, such as a full disk, is logged once.
-bool RecordStore::hasSucceeded(const QSqlQuery &query, bool success)
+void RecordStore::tellProblem()
 {
-    const std::string problem = success ? std::string() : problemOf(query.lastError());
-    if (!success && problem != m_problem)
+    const std::string problem =
+        "recording schedule " + std::string(BoxPaths::records) + ": " + sqlite3_errmsg(m_database.get());
+    if (problem != m_problem)
         log(problem);
     m_problem = problem;
-    return success;
 }
 
 std::vector<Record> RecordStore::all()
 {
     std::vector<Record> records;
-    QSqlQuery query = prepared(
-        QStringLiteral("SELECT id, url, file, start, begin, duration, state, owns_file FROM records ORDER BY id"));
-    execute(query);
-    while (query.next())
-        records.push_back(recordOf(query));
+    if (!m_database)
+        return records;
+    const Statement query =
+        prepared("SELECT id, url, file, start, begin, duration, state, owns_file FROM records ORDER BY id");
+    int result = SQLITE_ERROR;
+    while (query && (result = sqlite3_step(query.get())) == SQLITE_ROW)
+        records.push_back(recordOf(query.get()));
+    if (result != SQLITE_DONE)
+        tellProblem();
     return records;
 }
 
-KVR_ID RecordStore::add(const Record &record)
+KVR_ID RecordStore::highestId()
 {
-    QSqlQuery query =
-        prepared(QStringLiteral("INSERT INTO records (url, file, start, begin, duration, state, owns_file) "
-                                "VALUES (?, ?, ?, ?, ?, ?, ?)"));
-    bindColumns(query, record);
-    return execute(query) ? query.lastInsertId().toInt() : KVR_ERR_FAILED;
+    if (!m_database)
+        return 0;
+    const Statement query = prepared("SELECT seq FROM sqlite_sequence WHERE name = 'records'");
+    return query && sqlite3_step(query.get()) == SQLITE_ROW ? sqlite3_column_int(query.get(), 0) : 0;
 }
 
-bool RecordStore::update(const Record &record)
+int RecordStore::run(const Statement &statement)
 {
-    QSqlQuery query =
-        prepared(QStringLiteral("UPDATE records SET url = ?, file = ?, start = ?, begin = ?, duration = ?, state = ?, "
-                                "owns_file = ? WHERE id = ?"));
-    bindColumns(query, record);
-    query.addBindValue(record.id);
-    return execute(query);
+    const int result = sqlite3_step(statement.get());
+    sqlite3_reset(statement.get());
+    return result;
 }
 
-bool RecordStore::remove(KVR_ID id)
+int RecordStore::put(const Record &record)
 {
-    QSqlQuery query = prepared(QStringLiteral("DELETE FROM records WHERE id = ?"));
-    query.addBindValue(id);
-    return execute(query);
+    sqlite3_stmt *statement = m_put.get();
+    sqlite3_bind_int(statement, 1, record.id);
+    bind(statement, 2, record.url);
+    bind(statement, 3, record.file);
+    sqlite3_bind_int64(statement, 4, record.start);
+    sqlite3_bind_int64(statement, 5, record.begin);
+    sqlite3_bind_int(statement, 6, record.duration);
+    sqlite3_bind_int(statement, 7, record.state);
+    sqlite3_bind_int(statement, 8, record.ownsFile ? 1 : 0);
+    return run(m_put);
+}
+
+int RecordStore::remove(KVR_ID id)
+{
+    sqlite3_bind_int(m_remove.get(), 1, id);
+    return run(m_remove);
+}
+
+RecordStore::Outcome RecordStore::write(const Changes &changes)
+{
+    if (!m_database)
+        return Outcome::Refused;
+    int result = run(m_begin);
+    for (auto change = changes.begin(); result == SQLITE_DONE && change != changes.end(); ++change)
+        result = change->second ? put(*change->second) : remove(change->first);
+    if (result == SQLITE_DONE)
+        result = run(m_commit);
+    if (result == SQLITE_DONE) {
+        m_problem.clear();
+        return Outcome::Written;
+    }
+    tellProblem();
+    if (!sqlite3_get_autocommit(m_database.get()))
+        execute("ROLLBACK");
+    return result == SQLITE_BUSY ? Outcome::Locked : Outcome::Refused;
 }

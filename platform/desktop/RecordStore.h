@@ -5,40 +5,66 @@
 
 #include "Record.h"
 
-#include <QSqlDatabase>
+#include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-class QSqlQuery;
+struct sqlite3;
+struct sqlite3_stmt;
 
 namespace Desk {
 
-/// The recording schedule in a database of the box's files. What a function has done outlives a kill of the process.
-/// Everything happens on the thread that made the store; failures are logged.
+/// The recording schedule in a database of the box's files. What has been written outlives a kill of the process. One
+/// thread at a time; failures are logged.
 class RecordStore
 {
 public:
+    /// Recordings as they are to be kept; none for those that are to be removed.
+    using Changes = std::map<KVR_ID, std::optional<Record>>;
+
+    enum class Outcome {
+        Written,
+        Locked, ///< by another program, for now
+        Refused,
+    };
+
     RecordStore();
     RecordStore(const RecordStore &) = delete;
     RecordStore &operator=(const RecordStore &) = delete;
     ~RecordStore();
 
-    bool isOpen() const { return m_database.isOpen(); }
     std::vector<Record> all();
 
-    /// The identifier given to the record, never one that was in use before; negative on failure.
-    KVR_ID add(const Record &record);
-    bool update(const Record &record);
-    bool remove(KVR_ID id);
+    /// The highest identifier that was ever used, or 0.
+    KVR_ID highestId();
+
+    /// Writes all changes or none of them.
+    Outcome write(const Changes &changes);
 
 private:
-    QSqlQuery prepared(const QString &statement) const;
-    bool execute(const char *statement);
-    bool execute(QSqlQuery &query);
-    bool hasSucceeded(const QSqlQuery &query, bool success);
+    struct Closer
+    {
+        void operator()(sqlite3 *database) const;
+        void operator()(sqlite3_stmt *statement) const;
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
 
-    QSqlDatabase m_database;
-    std::string m_problem; ///< of the latest statement
+    bool open();
+    bool execute(const char *text);
+    Statement prepared(const char *text);
+    int run(const Statement &statement);
+    int put(const Record &record);
+    int remove(KVR_ID id);
+    void tellProblem();
+
+    std::unique_ptr<sqlite3, Closer> m_database; ///< null when there can be none
+    Statement m_begin;
+    Statement m_put;
+    Statement m_remove;
+    Statement m_commit;
+    std::string m_problem; ///< of the latest write
 };
 
 } // namespace Desk

@@ -10,7 +10,7 @@ using namespace Desk;
 
 Recorder::Recorder(const Record &record, std::unique_ptr<RecordFile> file, std::function<void()> ended)
     : m_file(std::move(file))
-    , m_copy(record.url, *m_file, record.end())
+    , m_copy(record.url, *m_file)
     , m_thread([this, ended = std::move(ended)] {
         try {
             m_problem = m_copy.run();

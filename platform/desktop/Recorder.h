@@ -9,7 +9,7 @@
 
 #include <atomic>
 #include <functional>
-#include <string>
+#include <memory>
 #include <thread>
 
 namespace Desk {
@@ -23,20 +23,22 @@ public:
     Recorder(const Recorder &) = delete;
     Recorder &operator=(const Recorder &) = delete;
 
-    /// Stops it if need be. Waits for its thread.
+    /// Cancels it if need be. Waits for its thread.
     ~Recorder();
 
+    /// Its end has come.
+    void stop() { m_copy.stop(); }
+    /// It is to end at once, whatever there is.
     void cancel() { m_copy.cancel(); }
-    void setEnd(std::int64_t end) { m_copy.setEnd(end); }
     bool hasEnded() const { return m_ended; }
 
-    /// Why it has failed, or an empty text. To be asked when it has ended.
-    const std::string &problem() const { return m_problem; }
+    /// Why it has failed. To be asked when it has ended.
+    const Problem &problem() const { return m_problem; }
 
 private:
     const std::unique_ptr<RecordFile> m_file;
     StreamCopy m_copy;
-    std::string m_problem;
+    Problem m_problem;
     std::atomic<bool> m_ended{false};
     std::thread m_thread;
 };

@@ -3,18 +3,14 @@
 
 #pragma once
 
-#include "RecordFile.h"
 #include "RecordTimeline.h"
+#include "StreamFile.h"
+#include "StreamSource.h"
 
 #include <atomic>
 #include <chrono>
-#include <cstdint>
-#include <memory>
 #include <string>
-#include <vector>
 
-struct AVFormatContext;
-struct AVIOContext;
 struct AVPacket;
 
 namespace Desk {
@@ -24,53 +20,27 @@ namespace Desk {
 class StreamCopy
 {
 public:
-    StreamCopy(std::string url, RecordFile &file, std::int64_t end);
-    StreamCopy(const StreamCopy &) = delete;
-    StreamCopy &operator=(const StreamCopy &) = delete;
-    ~StreamCopy();
+    StreamCopy(const std::string &url, RecordFile &file);
 
-    /// Copies until the end. The reason when it could not, an empty text when it could or was cancelled.
-    std::string run();
+    /// Copies until it is stopped, unless there is a problem before. A copy that is cancelled has none.
+    Problem run();
 
-    /// Orders, from any thread: another end, in seconds since 1970 UTC, or to stop at once.
-    void setEnd(std::int64_t end) { m_end = end; }
-    void cancel() { m_cancelled = true; }
+    /// Orders, from any thread: that its end has come, or that nobody wants it any more.
+    void stop() { m_source.stop(); }
+    void cancel();
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    struct Output
-    {
-        int index = -1; // in the file, negative for what is left out
-        std::int64_t lastDts = INT64_MIN;
-    };
-
-    std::string openSource();
-    std::string openFile();
-    std::string copy();
-    std::string takePacket(AVPacket &packet);
-    std::string writePacket(AVPacket &packet, Output &output);
+    Problem copy();
+    Problem takePacket(AVPacket &packet);
     void keepPace() const;
-    std::string problemAtEnd(int result) const;
-    bool takesStream(unsigned index) const;
-    bool isWhole() const;
-    std::string reasonOf(int error) const;
-    bool isOver() const;
-    bool mustStop() const;
 
-    const std::string m_url;
-    RecordFile &m_file;
-    std::atomic<std::int64_t> m_end;
-    std::atomic<bool> m_cancelled{false};
-    Clock::time_point m_deadline; // for the next sign of life of the source
-    Clock::time_point m_start;    // of the copying
-    AVFormatContext *m_source = nullptr;
-    AVFormatContext *m_target = nullptr;
-    AVIOContext *m_io = nullptr;
-    std::vector<Output> m_outputs; // for each stream that the source had when it was opened
+    StreamSource m_source;
+    StreamFile m_file;
     RecordTimeline m_timeline;
-    bool m_isWhole = false; // the source, when it was opened
-    std::string m_writeProblem;
+    Clock::time_point m_start; // of the copying
+    std::atomic<bool> m_cancelled{false};
 };
 
 } // namespace Desk

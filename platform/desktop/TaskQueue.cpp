@@ -15,10 +15,28 @@ bool TaskQueue::post(Task task)
     if (m_finishing)
         return false;
     m_tasks.push_back(std::move(task));
+    startThread();
+    return true;
+}
+
+bool TaskQueue::postAt(Clock::time_point time, Task task)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_finishing)
+        return false;
+    if (!m_timedTask || time < m_time) {
+        m_timedTask = std::move(task);
+        m_time = time;
+        startThread();
+    }
+    return true;
+}
+
+void TaskQueue::startThread()
+{
     if (!m_thread.joinable())
         m_thread = std::thread([this] { run(); });
     m_changed.notify_one();
-    return true;
 }
 
 void TaskQueue::drain()
@@ -39,17 +57,35 @@ void TaskQueue::finish()
         m_thread.join();
 }
 
+void TaskQueue::waitForWork(std::unique_lock<std::mutex> &lock)
+{
+    while (!m_finishing && m_tasks.empty()) {
+        if (!m_timedTask)
+            m_changed.wait(lock);
+        else if (Clock::now() < m_time)
+            m_changed.wait_until(lock, m_time);
+        else
+            return;
+    }
+}
+
 void TaskQueue::run()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return m_finishing || !m_tasks.empty(); });
-        if (m_tasks.empty())
+        waitForWork(lock);
+        Task task;
+        if (!m_tasks.empty()) {
+            task = std::move(m_tasks.front());
+            m_tasks.pop_front();
+        } else if (m_finishing) {
             return;
-        const Task task = std::move(m_tasks.front());
-        m_tasks.pop_front();
+        } else {
+            task = std::exchange(m_timedTask, nullptr);
+        }
         lock.unlock();
         task();
+        task = nullptr; // what it holds is not destroyed under the lock
         lock.lock();
     }
 }

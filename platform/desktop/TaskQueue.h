@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -17,6 +18,7 @@ class TaskQueue
 {
 public:
     using Task = std::function<void()>;
+    using Clock = std::chrono::steady_clock;
 
     TaskQueue() = default;
     TaskQueue(const TaskQueue &) = delete;
@@ -26,6 +28,9 @@ public:
     /// Never waits for a task. After finish() the task is dropped and the answer false.
     bool post(Task task);
 
+    /// Has a task run at a time, or dropped by finish(). One such task waits at most: of two, the earlier one.
+    bool postAt(Clock::time_point time, Task task);
+
     /// Waits until every task posted before has run. Not to be called by a task.
     void drain();
 
@@ -33,11 +38,15 @@ public:
     void finish();
 
 private:
+    void startThread();
+    void waitForWork(std::unique_lock<std::mutex> &lock);
     void run();
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Task> m_tasks;
+    Task m_timedTask; // if there is one
+    Clock::time_point m_time;
     std::thread m_thread;
     bool m_finishing = false;
 };
