@@ -31,6 +31,7 @@ constexpr char listRecords[] = "list";
 constexpr char addRecord[] = "add";
 constexpr char editRecords[] = "edit";
 constexpr char recordOnFullDisk[] = "full";
+constexpr char callNothing[] = "idle";
 
 uint32_t now()
 {
@@ -62,7 +63,7 @@ void tell(const QByteArray &text)
     std::fflush(stdout);
 }
 
-// Tells the list of recordings each second until it is killed.
+// Tells what it is given and goes on until it is killed.
 int tellForever(const QByteArray &first)
 {
     tell(first);
@@ -151,6 +152,7 @@ private slots:
     void theScheduleSurvivesAKill();
     void whatWasRecordedBeforeAKillPlays();
     void aRecordingIsInterruptedWhenTheBoxIsLeft();
+    void aBoxThatIsBackInTimeRecordsTheRest_data();
     void aBoxThatIsBackInTimeRecordsTheRest();
     void aRecordingThatTheBoxSleptThroughHasFailed();
     void whatAFullDiskDoesNotTakeIsWrittenLater();
@@ -228,22 +230,35 @@ void TestDeskRecordingsRestart::aRecordingIsInterruptedWhenTheBoxIsLeft()
     QVERIFY(Box({listRecords}).allWords().endsWith(" left.ts 0 60 4 \n"));
 }
 
+void TestDeskRecordingsRestart::aBoxThatIsBackInTimeRecordsTheRest_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("without any call") << "rest.ts" << QStringList(callNothing);
+    QTest::newRow("with other recordings")
+        << "rest-too.ts"
+        << QStringList{addRecord, "udp://127.0.0.1:45456", "other.ts", QString::number(now() + 100000), "1"};
+}
+
 void TestDeskRecordingsRestart::aBoxThatIsBackInTimeRecordsTheRest()
 {
+    QFETCH(QString, file);
+    QFETCH(QStringList, arguments);
+    const QString path = "/mnt/stb/" + file;
     const uint32_t start = now() + 4;
-    Box first({addRecord, m_server.address("bars.ts").toEncoded(), "rest.ts", QString::number(start), "5"});
+    Box first({addRecord, m_server.address("bars.ts").toEncoded(), file, QString::number(start), "5"});
     QVERIFY(first.firstWords().endsWith(" 5 0 \n"));
     first.kill();
     QTRY_VERIFY_WITH_TIMEOUT(now() >= start + 2, 20000);
-    QVERIFY(!QFile::exists("/mnt/stb/rest.ts"));
-    Box second({addRecord, "udp://127.0.0.1:45456", "other.ts", QString::number(start + 100000), "1"});
+    QVERIFY(!QFile::exists(path));
+    Box second(arguments);
     QTRY_VERIFY_WITH_TIMEOUT(now() > start + 5, 20000);
     second.kill();
-    const QByteArray expected = " rest.ts " + QByteArray::number(start) + " 5 2 \n";
+    const QByteArray expected = ' ' + file.toUtf8() + ' ' + QByteArray::number(start) + " 5 2 \n";
     const QByteArray words = Box({listRecords}).allWords();
     QVERIFY2(words.contains(expected), words);
-    const RecordedFile file("/mnt/stb/rest.ts");
-    QVERIFY2(file.seconds > 0.5 && file.seconds < 3.5, qPrintable(QString::number(file.seconds)));
+    const RecordedFile recorded(path);
+    QVERIFY2(recorded.seconds > 0.5 && recorded.seconds < 3.5, qPrintable(QString::number(recorded.seconds)));
 }
 
 void TestDeskRecordingsRestart::aRecordingThatTheBoxSleptThroughHasFailed()
@@ -309,6 +324,8 @@ int main(int argc, char *argv[])
     }
     if (role == editRecords)
         return edit();
+    if (role == callNothing)
+        return tellForever({});
     if (role == recordOnFullDisk && argc == 3)
         return recordWithoutRoom(argv[2]);
     if (role == addRecord && argc >= 6) {

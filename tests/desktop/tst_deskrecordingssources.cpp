@@ -51,6 +51,9 @@ constexpr Recording recordings[] = {
 };
 constexpr int fileCount = std::size(recordings);
 
+// Schemes of addresses whose letters are no matter.
+constexpr const char *capitalSchemes[] = {"HTTP", "UDP"};
+
 QString fileOf(int number)
 {
     return QString("/mnt/stb/%1.ts").arg(number);
@@ -85,6 +88,8 @@ private slots:
     void aServersFileIsRecordedAsItPlays();
     void aStreamThatStartsAgainGoesOn();
     void aSourceWhosePidsChangeGoesOn();
+    void theSchemeMayHaveCapitalLetters_data();
+    void theSchemeMayHaveCapitalLetters();
 
 private:
     void makeMedia();
@@ -97,6 +102,8 @@ private:
     QString m_liveAddress;
     KVR_ID m_liveRecording = -1;
     KVR_ID m_changing = -1;
+    std::unique_ptr<LiveSource> m_capitalSource;
+    KVR_ID m_capitals[std::size(capitalSchemes)] = {};
 };
 
 void TestDeskRecordingsSources::makeMedia()
@@ -135,6 +142,10 @@ void TestDeskRecordingsSources::initTestCase()
         m_files[i] = KVR_AddRecord(url.toEncoded(), QFile::encodeName(fileOf(i)), 0, recordings[i].duration);
     }
     m_changing = KVR_AddRecord(m_plain.url("/both.ts").toEncoded(), "both.ts", 0, 60);
+    const QByteArray port = QByteArray::number(freeUdpPort());
+    m_capitalSource = std::make_unique<LiveSource>(bars, "mpegts", "udp://127.0.0.1:" + port + "?pkt_size=1316");
+    m_capitals[0] = KVR_AddRecord(m_plain.url("/bars.ts").toEncoded().replace("http:", "HTTP:"), "HTTP.ts", 0, 60);
+    m_capitals[1] = KVR_AddRecord("UDP://127.0.0.1:" + port, "UDP.ts", 0, 6);
     QTRY_VERIFY_WITH_TIMEOUT(QFile("/mnt/stb/live.ts").size() > 200000, patience);
     m_live = std::make_unique<LiveSource>(bars, "mpegts", m_liveAddress + "?pkt_size=1316");
 }
@@ -181,6 +192,22 @@ void TestDeskRecordingsSources::aSourceWhosePidsChangeGoesOn()
     const RecordedFile file("/mnt/stb/both.ts");
     QCOMPARE(file.pids, TestMedia::barsPids());
     QVERIFY2(file.pictures > (barsSeconds + 1) * 25, qPrintable(QString::number(file.pictures)));
+}
+
+void TestDeskRecordingsSources::theSchemeMayHaveCapitalLetters_data()
+{
+    QTest::addColumn<int>("index");
+    for (std::size_t i = 0; i < std::size(capitalSchemes); ++i)
+        QTest::newRow(capitalSchemes[i]) << int(i);
+}
+
+void TestDeskRecordingsSources::theSchemeMayHaveCapitalLetters()
+{
+    QFETCH(int, index);
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(m_capitals[index]), int(KVR_RECORD_DONE), patience);
+    const RecordedFile file(QString("/mnt/stb/%1.ts").arg(capitalSchemes[index]));
+    QCOMPARE(file.pids, TestMedia::barsPids());
+    QVERIFY2(file.pictures > 25, qPrintable(QString::number(file.pictures)));
 }
 
 QTEST_GUILESS_MAIN(TestDeskRecordingsSources)
