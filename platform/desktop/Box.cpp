@@ -4,8 +4,10 @@
 #include "Box.h"
 #include "BoxPaths.h"
 #include "DeskBox.h"
+#include "Log.h"
 
 #include <pthread.h>
+#include <system_error>
 #include <unistd.h>
 
 extern "C" {
@@ -33,16 +35,21 @@ public:
     {
         if (::access(DeskBox::sign, F_OK) != 0 || ::access(BoxPaths::records, F_OK) != 0)
             return;
-        // A thread that is made before the program has set its own has a stack like the main one's, of 256 MB.
+        // Until the program has set its own, threads have a stack like the main one's, of 256 MB.
         pthread_attr_t usual;
         pthread_attr_t small;
-        if (pthread_getattr_default_np(&usual) != 0)
+        if (pthread_getattr_default_np(&usual) != 0 || pthread_attr_init(&small) != 0)
             return;
-        pthread_getattr_default_np(&small);
         pthread_attr_setstacksize(&small, stackSize);
         pthread_setattr_default_np(&small);
-        m_queue.postAt(TaskQueue::Clock::now() + settling, [] { box().records.start(); });
+        try {
+            m_queue.postAt(TaskQueue::Clock::now() + settling, [] { box().records.start(); });
+        } catch (const std::system_error &error) {
+            log(std::string("the recordings wait for a page to ask for them: ") + error.what());
+        }
         pthread_setattr_default_np(&usual);
+        pthread_attr_destroy(&small);
+        pthread_attr_destroy(&usual);
     }
 
 private:

@@ -99,6 +99,7 @@ void RecordScheduler::removeFiles(const std::vector<Record> &records)
     const auto done = std::make_shared<std::promise<void>>();
     const bool isPosted = m_queue.post([this, records, done] {
         for (const Record &record : records) {
+            // Another one may have begun under this name since.
             if (m_book.othersOf(record).empty())
                 RecordFile::remove(record.file);
         }

@@ -74,7 +74,7 @@ const std::vector<Row> &rows()
         {"behind the end", {record(1, running, -hour, 60)}, 0, {}, {1}, {}, 1000},
         {"those that have ended",
          {record(1, KVR_RECORD_DONE, -60, hour), record(2, KVR_RECORD_FAILED, -60, hour),
-          record(3, KVR_RECORD_INTERRUPTED, 0, 1)},
+          record(3, KVR_RECORD_INTERRUPTED, 0, 1), record(4, KVR_RECORD_DONE, -60, 60)},
          500,
          {},
          {},
