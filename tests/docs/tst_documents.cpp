@@ -17,7 +17,8 @@ namespace {
 
 // Commands that are not run here, each with the reason.
 const char *const notRun[] = {
-    "./test", // it runs this test
+    "./test",                 // it runs this test
+    "./test -R '^stbmedia$'", // it builds
 };
 
 QString source(const QString &path)
@@ -36,7 +37,7 @@ QStringList documentsIn(const QString &folder)
 // All but the reference of the script objects, which the plugin's tests look through.
 QStringList guides()
 {
-    return QStringList{"README.md"} + documentsIn("docs");
+    return QStringList{"README.md", "CONTRIBUTING.md"} + documentsIn("docs");
 }
 
 QStringList allDocuments()
