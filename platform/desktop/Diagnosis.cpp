@@ -18,11 +18,11 @@ constexpr std::chrono::seconds longestTry{2};
 
 } // namespace
 
-std::string Desk::diagnose(const std::string &address)
+Desk::Problem Desk::diagnose(const std::string &address)
 {
     AVFormatContext *source = avformat_alloc_context();
     if (!source)
-        return {};
+        return std::nullopt;
     Clock::time_point deadline = Clock::now() + longestTry;
     source->interrupt_callback.callback = [](void *until) {
         return Clock::now() > *static_cast<Clock::time_point *>(until) ? 1 : 0;
@@ -31,7 +31,7 @@ std::string Desk::diagnose(const std::string &address)
     const int result = avformat_open_input(&source, Address(address).text().c_str(), nullptr, nullptr);
     avformat_close_input(&source);
     if (result >= 0 || result == AVERROR_EXIT)
-        return {};
+        return std::nullopt;
     char text[AV_ERROR_MAX_STRING_SIZE] = "";
     av_strerror(result, text, sizeof text);
     return text;

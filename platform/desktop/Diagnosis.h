@@ -3,12 +3,14 @@
 
 #pragma once
 
+#include "Problem.h"
+
 #include <string>
 
 namespace Desk {
 
-/// Why an address cannot be opened: tries it once more, for two seconds at most. Empty when that leads to no error.
-/// What FFmpeg says reaches only libmpv's first core, whichever core it is about.
-std::string diagnose(const std::string &address);
+/// Why an address cannot be opened: tries it once more, for two seconds at most. What FFmpeg says reaches only libmpv's
+/// first core, whichever core it is about.
+Problem diagnose(const std::string &address);
 
 } // namespace Desk

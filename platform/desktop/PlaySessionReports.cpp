@@ -74,9 +74,8 @@ void PlaySession::tick()
 void PlaySession::failAsReported()
 {
     const bool remote = m_request.kind != PlayRequest::File && m_request.kind != PlayRequest::Magnet;
-    const std::string reason = remote ? diagnose(m_request.address) : std::string();
-    if (!reason.empty())
-        m_complaints = reason;
+    if (const Problem reason = remote ? diagnose(m_request.address) : std::nullopt)
+        m_complaints = *reason;
     fail(m_failure.value_or(std::string()));
 }
 

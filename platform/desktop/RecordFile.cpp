@@ -5,6 +5,8 @@
 #include "BoxPaths.h"
 #include "Log.h"
 
+#include "common/other/wholewrite.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -109,14 +111,7 @@ Problem RecordFile::create(const std::string &name)
 
 Problem RecordFile::write(const unsigned char *data, int size)
 {
-    while (size > 0) {
-        const ssize_t written = ::write(m_file, data, static_cast<std::size_t>(size));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return std::strerror(errno);
-        data += written;
-        size -= static_cast<int>(written);
-    }
-    return {};
+    if (Common::writeWhole(m_file, data, static_cast<std::size_t>(size)))
+        return std::nullopt;
+    return std::strerror(errno);
 }
