@@ -183,11 +183,16 @@ void TestCrashes::keptRunningItWaitsLongerAfterMoreCrashes()
     }
     QTRY_VERIFY(m_program->errors().contains(
         "\nkavro-box: it has crashed 4 times within seconds of its start, and is started again in 5 s\n"));
+    starts += "start";
+    QTRY_COMPARE_WITH_TIMEOUT(told(), starts, patience);
+    QVERIFY(crash());
+    QTRY_VERIFY(m_program->errors().contains(
+        "\nkavro-box: it has crashed 5 times within seconds of its start, and is started again in 10 s\n"));
     // It can be ended meanwhile.
     m_program->terminate();
     QCOMPARE(m_program->finish(), 0);
     QCOMPARE(told(), starts);
-    QCOMPARE(crashFiles().size(), 4);
+    QCOMPARE(crashFiles().size(), 5);
 }
 
 void TestCrashes::aSignalEndsAnEndlessScriptToo_data()

@@ -7,6 +7,8 @@
 
 #include "platform/stbapi.h"
 
+#include <QDialog>
+#include <QGraphicsProxyWidget>
 #include <QPainter>
 #include <QPointer>
 #include <QTest>
@@ -78,6 +80,7 @@ private slots:
     void aChangeOfAWindowIsPainted_data();
     void aChangeOfAWindowIsPainted();
     void theWindowOfAClosedPlayerGoes();
+    void aDialogStandsInTheMiddleOfItsPage();
     void theScreenOutlivesThePlugin();
     void theWindowShowsTheSamePicture();
     void theWindowKeepsTheShapeOfTheScreen();
@@ -391,6 +394,18 @@ void TestScreen::theWindowOfAClosedPlayerGoes()
     QTRY_COMPARE(windows(), 1);
     KVR_ClosePlayer(other);
     QTRY_COMPARE(windows(), 0);
+}
+
+void TestScreen::aDialogStandsInTheMiddleOfItsPage()
+{
+    Screen screen;
+    auto *page = new Page({1280, 720});
+    screen.setPlugin(page);
+    QDialog dialog(page);
+    dialog.resize(200, 100);
+    dialog.show();
+    QVERIFY(dialog.graphicsProxyWidget());
+    QTRY_COMPARE(dialog.graphicsProxyWidget()->pos(), QPointF(page->rect().center() - dialog.rect().center()));
 }
 
 void TestScreen::theScreenOutlivesThePlugin()

@@ -259,6 +259,7 @@ void TestSourceCheck::textsThatAreTooLargeAreNamed()
 
 void TestSourceCheck::pagesCannotHaveItKeepMoreAndMore()
 {
+    const QStringList usual = sentences("script", "let a");
     QSignalSpy looked(m_check.get(), &SourceCheck::looked);
     const QByteArray text = QByteArray("f(function () { return [1, 2, 3]; });\n").repeated(50);
     const int count = SourceCheck::mostWaiting + 50;
@@ -268,7 +269,7 @@ void TestSourceCheck::pagesCannotHaveItKeepMoreAndMore()
     QVERIFY(refused > 0);
     QVERIFY(looked.first().at(1).toStringList().value(0).endsWith("there are too many others"));
     QTRY_COMPARE_WITH_TIMEOUT(looked.count(), count, patience);
-    QCOMPARE(sentences("script", "let a").size(), 1);
+    QCOMPARE(sentences("script", "let a"), usual);
 }
 
 void TestSourceCheck::itGivesItsMemoryBackAndGoesOnAfterARest()
