@@ -29,6 +29,7 @@ private slots:
     void itComesFiveSecondsAfterTheLastProgress_data();
     void itComesFiveSecondsAfterTheLastProgress();
     void withoutOneThePageIsOnlyStopped();
+    void itIsGivenAllTheTimeItNeeds();
 };
 
 void TestErrorPage::itComesFiveSecondsAfterTheLastProgress_data()
@@ -80,6 +81,24 @@ void TestErrorPage::withoutOneThePageIsOnlyStopped()
     QTRY_COMPARE_WITH_TIMEOUT(server.openConnections(), 0, 9000);
     QTest::qWait(1300); // longer than a reload waits
     QCOMPARE(server.requests().size(), 1);
+}
+
+void TestErrorPage::itIsGivenAllTheTimeItNeeds()
+{
+    HttpServer server;
+    server.fallSilent();
+    HttpServer errors;
+    HttpServer::Page slow = {QByteArray(10000, ' ') + "<title>Error</title>"};
+    slow.stallAt = 8000;
+    errors.serve("/error", slow);
+    setPages(server.url(), errors.url("/error"));
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+
+    QTRY_COMPARE_WITH_TIMEOUT(errors.requests().size(), 1, 12000);
+    QTest::qWait(6500); // longer than the home page may make no progress
+    QCOMPARE(errors.requests().size(), 1);
+    QCOMPARE(errors.openConnections(), 1);
 }
 
 QTEST_MAIN(TestErrorPage)
