@@ -89,6 +89,7 @@ private slots:
     void longTextsAreCutOffInTheList();
     void deletingStopsARecordingAndKeepsItsFile();
     void cleaningUpRemovesTheFilesOfThoseThatFailed();
+    void aFileThatIsAnothersByNowIsKept_data();
     void aFileThatIsAnothersByNowIsKept();
     void theSharedCallbackHearsOfRecordings();
     void noCallWaitsForARecording();
@@ -321,8 +322,16 @@ void TestDeskRecordings::cleaningUpRemovesTheFilesOfThoseThatFailed()
     QVERIFY(QFile::exists("/mnt/stb/running.ts"));
 }
 
+void TestDeskRecordings::aFileThatIsAnothersByNowIsKept_data()
+{
+    QTest::addColumn<bool>("isForgotten");
+    QTest::newRow("the other is in the list") << false;
+    QTest::newRow("the other is forgotten") << true;
+}
+
 void TestDeskRecordings::aFileThatIsAnothersByNowIsKept()
 {
+    QFETCH(bool, isForgotten);
     HttpServer server;
     server.serve("/garbage", HttpServer::Page{QByteArray("garbage\n").repeated(10000), "video/mp2t"});
     server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
@@ -331,6 +340,8 @@ void TestDeskRecordings::aFileThatIsAnothersByNowIsKept()
     QVERIFY(QFile::remove("/mnt/stb/name.ts"));
     const KVR_ID done = KVR_AddRecord(server.url("/bars.ts").toEncoded(), "/mnt/stb/name.ts", 0, 2);
     QTRY_COMPARE(KVR_GetRecordStatus(done), int(KVR_RECORD_DONE));
+    if (isForgotten)
+        QCOMPARE(KVR_DeleteRecord(done), int(KVR_OK));
     QCOMPARE(KVR_CleanUpRecords(), int(KVR_OK));
     QVERIFY(QFile::exists("/mnt/stb/name.ts"));
 }
