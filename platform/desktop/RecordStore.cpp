@@ -94,6 +94,12 @@ bool RecordStore::open()
         || !execute("CREATE TABLE IF NOT EXISTS records (id INTEGER PRIMARY KEY AUTOINCREMENT, url TEXT, file TEXT, "
                     "start INTEGER, begin INTEGER, duration INTEGER, state INTEGER, owns_file INTEGER)"))
         return false;
+    // In place of the library's own, which makes a write wait for the disk whenever the log has grown long.
+    const auto notice = [](void *self, sqlite3 *, const char *, int pages) {
+        static_cast<RecordStore *>(self)->m_logLength = pages;
+        return SQLITE_OK;
+    };
+    sqlite3_wal_hook(database, notice, this);
     m_begin = prepared("BEGIN IMMEDIATE");
     m_put = prepared("INSERT OR REPLACE INTO records (id, url, file, start, begin, duration, state, owns_file) "
                      "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
@@ -185,10 +191,22 @@ RecordStore::Outcome RecordStore::write(const Changes &changes)
         result = run(m_commit);
     if (result == SQLITE_DONE) {
         m_problem.clear();
+        if (m_logLength > longestLog)
+            shortenLog();
         return Outcome::Written;
     }
     tellProblem();
     if (!sqlite3_get_autocommit(m_database.get()))
         execute("ROLLBACK");
     return result == SQLITE_BUSY ? Outcome::Locked : Outcome::Refused;
+}
+
+void RecordStore::shortenLog()
+{
+    sqlite3 *database = nullptr;
+    const int result = sqlite3_open_v2(BoxPaths::records, &database, SQLITE_OPEN_READWRITE, nullptr);
+    const std::unique_ptr<sqlite3, Closer> owner(database);
+    // A database that has not been read from has no log yet.
+    if (result == SQLITE_OK && sqlite3_exec(database, "PRAGMA schema_version", nullptr, nullptr, nullptr) == SQLITE_OK)
+        sqlite3_wal_checkpoint_v2(database, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
 }

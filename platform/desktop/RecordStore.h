@@ -43,6 +43,13 @@ public:
     /// Writes all changes or none of them.
     Outcome write(const Changes &changes);
 
+    /// Whether so much has been written that shortenLog() is due.
+    bool hasLongLog() const { return m_logLength > longLog; }
+
+    /// Brings what has been written into the database, for which the disk is waited for. On any thread; the store may
+    /// go on writing meanwhile.
+    static void shortenLog();
+
 private:
     struct Closer
     {
@@ -64,7 +71,10 @@ private:
     Statement m_put;
     Statement m_remove;
     Statement m_commit;
-    std::string m_problem; ///< of the latest write
+    std::string m_problem;                   ///< of the latest write
+    static constexpr int longLog = 1000;     ///< pages, of 4 KB
+    static constexpr int longestLog = 16000; ///< where writes wait until it is shorter, after all
+    int m_logLength = 0;
 };
 
 } // namespace Desk

@@ -124,6 +124,8 @@ void RecordWriter::write()
 
     if (outcome != Outcome::Written)
         m_queue.postAt(Clock::now() + retryPause, [this] { write(); });
+    if (m_store->hasLongLog())
+        m_shortening.postAt(Clock::now(), [] { RecordStore::shortenLog(); });
     if (!broken.empty())
         m_broken(broken);
 }
@@ -131,6 +133,7 @@ void RecordWriter::write()
 void RecordWriter::finish()
 {
     m_queue.finish();
+    m_shortening.finish();
     if (m_store)
         write();
     m_store.reset();

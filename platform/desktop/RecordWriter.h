@@ -77,6 +77,7 @@ private:
     std::optional<TaskQueue::Clock::time_point> m_begun;            // the write that goes on
     RecordStore::Outcome m_outcome = RecordStore::Outcome::Written; // of the latest write
 
+    TaskQueue m_shortening; // of the store's log, for which no write waits
     TaskQueue m_queue;
 };
 

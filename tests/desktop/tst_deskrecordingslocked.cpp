@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskEvents.h"
+#include "tests/support/BoxFile.h"
 #include "tests/support/FileSizeLimit.h"
 
 #include <QTest>
@@ -69,7 +70,8 @@ QByteArray list()
 
 } // namespace
 
-/// Recordings while another program has the schedule's database locked, so that nothing can be written.
+/// Recordings while another program has the schedule's database open, and mostly locked, so that nothing can be
+/// written.
 class TestDeskRecordingsLocked : public QObject
 {
     Q_OBJECT
@@ -80,6 +82,7 @@ private slots:
     void noCallWaitsForTheLock();
     void whatWasOrderedIsWrittenAfterIt();
     void whatIsRefusedAfterItHasFailed();
+    void whatIsWrittenDoesNotPileUpBesideTheDatabase();
 
 private:
     KVR_ID m_kept = -1;
@@ -160,13 +163,22 @@ void TestDeskRecordingsLocked::whatIsRefusedAfterItHasFailed()
         QVERIFY(other.execute("ROLLBACK"));
         QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(added), int(KVR_RECORD_FAILED), 30000);
         QTRY_COMPARE(DeskEvents::count(KVR_EVENT_RECORDS), 1);
-        QCOMPARE(DeskEvents::of(KVR_EVENT_RECORDS).first().argument, added);
+        QCOMPARE(DeskEvents::of(KVR_EVENT_RECORDS).constFirst().argument, added);
     }
     QVERIFY2(log.text().contains("into added.ts failed: the recording schedule cannot be written"),
              qPrintable(log.text()));
     // What was in the schedule before is still to be recorded, and as it was ordered.
     QCOMPARE(list(), QByteArray("kept.ts 61 0\nremoved.ts 60 0\nadded.ts 60 3\n"));
     QTRY_COMPARE_WITH_TIMEOUT(other.content(), list(), 30000);
+}
+
+void TestDeskRecordingsLocked::whatIsWrittenDoesNotPileUpBesideTheDatabase()
+{
+    QCOMPARE(KVR_SetRecordFilename(m_kept, "brought-in.ts"), int(KVR_OK));
+    QVERIFY(!boxFile(schedule).contains("brought-in.ts"));
+    for (int i = 1; i <= 2000; ++i)
+        QCOMPARE(KVR_SetRecordDuration(m_kept, i), int(KVR_OK));
+    QTRY_VERIFY(boxFile(schedule).contains("brought-in.ts"));
 }
 
 QTEST_GUILESS_MAIN(TestDeskRecordingsLocked)
