@@ -23,7 +23,7 @@ void RecordBook::open(const std::vector<Record> &records, KVR_ID highestId)
     const std::lock_guard<std::mutex> changing(m_changes);
     m_highestId = highestId;
     for (Record record : records) {
-        const std::string fate = fateWhileOff(record, std::chrono::system_clock::now());
+        const std::string fate = fateWhileOff(record, wallClock());
         if (fate.empty()) {
             put(record);
             continue;
@@ -53,7 +53,7 @@ std::optional<Record> RecordBook::find(KVR_ID id) const
 DueRecords RecordBook::due() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return dueAt(std::chrono::system_clock::now(), m_records);
+    return dueAt(wallClock(), m_records);
 }
 
 std::vector<Record> RecordBook::othersOf(const Record &record) const

@@ -4,6 +4,7 @@
 #include "RecordClock.h"
 
 #include <algorithm>
+#include <ctime>
 
 using namespace Desk;
 
@@ -19,6 +20,14 @@ std::int64_t secondOf(Time time)
 }
 
 } // namespace
+
+std::chrono::system_clock::time_point Desk::wallClock()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &time);
+    return Time(std::chrono::duration_cast<Time::duration>(std::chrono::seconds(time.tv_sec)
+                                                           + std::chrono::nanoseconds(time.tv_nsec)));
+}
 
 DueRecords Desk::dueAt(Time now, const std::map<KVR_ID, Record> &records)
 {

@@ -12,6 +12,10 @@
 
 namespace Desk {
 
+/// The time of which time() tells the seconds. A more exact clock is some milliseconds ahead, and by that one a
+/// recording would begin before its time.
+std::chrono::system_clock::time_point wallClock();
+
 /// What a schedule asks for at a point of time.
 struct DueRecords
 {
