@@ -195,7 +195,7 @@ void TestDeskMisuse::manyOrdersAtOnceAreAllCarriedOut()
     for (int i = 0; i < 5000; ++i)
         KVR_SetZoom(m_id, 1 + i % 2);
     QCOMPARE(KVR_Pause(m_id), int(KVR_OK));
-    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PAUSED), 60000);
     QTRY_VERIFY(holds(m_id));
     QCOMPARE(playFile(m_id, bars), int(KVR_OK));
     checkPlaying();

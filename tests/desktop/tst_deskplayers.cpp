@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "DeskEvents.h"
+#include "OpenFiles.h"
 #include "Playing.h"
 #include "TestMedia.h"
 
@@ -10,7 +11,6 @@
 #include "tests/support/BoxFile.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
@@ -71,12 +71,6 @@ bool moves(KVR_ID id, int speed)
 }
 
 // Whether this process has a file open.
-bool isOpen(const char *path)
-{
-    const QFileInfoList links = QDir("/proc/self/fd").entryInfoList(QDir::Files | QDir::System);
-    return std::any_of(links.begin(), links.end(), [=](const QFileInfo &link) { return link.symLinkTarget() == path; });
-}
-
 int playFile(KVR_ID id, const char *path, long long position = 0, const char *subtitles = "")
 {
     return KVR_PlayFile(id, path, position, 0, 0, subtitles, -1, -1, -1);

@@ -3,6 +3,7 @@
 
 #include "DeskEvents.h"
 #include "LiveSource.h"
+#include "OpenFiles.h"
 #include "RecordedFile.h"
 #include "TestMedia.h"
 
@@ -288,10 +289,7 @@ void TestDeskRecordings::deletingStopsARecordingAndKeepsItsFile()
     QCOMPARE(KVR_DeleteRecord(id), int(KVR_OK));
     QCOMPARE(KVR_GetRecordStatus(id), int(KVR_ERR_INVALID_ID));
     QTRY_COMPARE(DeskEvents::count(KVR_EVENT_RECORDS), 3); // added, running, deleted
-    QTest::qWait(300);
-    const qint64 size = QFile("/mnt/stb/deleted.ts").size();
-    QTest::qWait(500);
-    QCOMPARE(QFile("/mnt/stb/deleted.ts").size(), size);
+    QTRY_VERIFY(!isOpen("/mnt/stb/deleted.ts"));
     QVERIFY(RecordedFile("/mnt/stb/deleted.ts").pictures > 5);
     QCOMPARE(DeskEvents::count(KVR_EVENT_RECORDS), 3);
 }
