@@ -14,7 +14,9 @@
 
 #include <linux/landlock.h>
 #include <sched.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
+#include <sys/personality.h>
 #include <sys/ptrace.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -30,6 +32,24 @@ const char nobody[] = "65534";
 const char socketName[] = "kavro-closedbox-%1";
 const long landlockWithScopes = 6;
 
+#ifdef __x86_64__
+// As a program of 32 bits asks for it.
+int otherWordLengthsProcessId()
+{
+    int result = 20; // getpid there
+    asm volatile("int $0x80" : "+a"(result) : : "memory", "r8", "r9", "r10", "r11");
+    return result;
+}
+#endif
+
+long cloneWith(unsigned long flags)
+{
+    const long process = syscall(SYS_clone, flags | SIGCHLD, nullptr, nullptr, nullptr, nullptr);
+    if (process == 0)
+        _exit(0);
+    return process;
+}
+
 // System calls that a box has no use for, as "--call NAME" makes them. Each returns 0 or an errno.
 int call(const QString &name)
 {
@@ -39,6 +59,13 @@ int call(const QString &name)
         {"setns", [&] { return errorOf(syscall(SYS_setns, 0, 0)); }},
         {"mount", [&] { return errorOf(mount("none", "/mnt/stb", "tmpfs", 0, nullptr)); }},
         {"chroot", [&] { return errorOf(chroot("/mnt/stb")); }},
+        {"clone", [&] { return errorOf(cloneWith(CLONE_NEWUSER)); }},
+        {"clone3", [&] { return errorOf(syscall(SYS_clone3, nullptr, 0)); }},
+        {"personality", [&] { return errorOf(syscall(SYS_personality, ADDR_NO_RANDOMIZE)); }},
+        {"TIOCSTI", [&] { return errorOf(syscall(SYS_ioctl, STDIN_FILENO, TIOCSTI, "x")); }},
+        {"TIOCSTI in a larger number",
+         [&] { return errorOf(syscall(SYS_ioctl, STDIN_FILENO, 1L << 32 | TIOCSTI, "x")); }},
+        {"TIOCLINUX", [&] { return errorOf(syscall(SYS_ioctl, STDIN_FILENO, TIOCLINUX, "x")); }},
         {"ptrace", [&] { return errorOf(ptrace(PTRACE_TRACEME, 0, 0, 0)); }},
         {"add_key", [&] { return errorOf(syscall(SYS_add_key, "user", "name", "x", 1, -3)); }},
         {"keyctl", [&] { return errorOf(syscall(SYS_keyctl, 0, -3, 0)); }},
@@ -46,12 +73,20 @@ int call(const QString &name)
         {"perf_event_open", [&] { return errorOf(syscall(SYS_perf_event_open, nullptr, 0, -1, -1, 0)); }},
         {"userfaultfd", [&] { return errorOf(syscall(SYS_userfaultfd, 0)); }},
         {"io_uring_setup", [&] { return errorOf(syscall(SYS_io_uring_setup, 1, nullptr)); }},
+#ifdef __x86_64__
+        {"other word length", [] { return int(otherWordLengthsProcessId() != getpid()); }},
+#endif
         {"AF_PACKET", [&] { return errorOf(socket(AF_PACKET, SOCK_RAW, 0)); }},
         {"AF_VSOCK", [&] { return errorOf(socket(AF_VSOCK, SOCK_STREAM, 0)); }},
         {"AF_ALG", [&] { return errorOf(socket(AF_ALG, SOCK_SEQPACKET, 0)); }},
         {"AF_BLUETOOTH", [&] { return errorOf(socket(AF_BLUETOOTH, SOCK_RAW, 1)); }},
     };
     return calls.at(name)();
+}
+
+bool hasLandlockWithScopes()
+{
+    return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= landlockWithScopes;
 }
 
 sockaddr_un abstractAddress(const QByteArray &name, socklen_t *length)
@@ -92,7 +127,9 @@ private slots:
     void noProgramReachesThePc();
     void systemCallsThatABoxDoesNotNeedFail_data();
     void systemCallsThatABoxDoesNotNeedFail();
+    void programsOfTheOtherWordLengthRun();
     void abstractSocketsAreOutOfReach();
+    void signalsReachNoProgramOutsideOfIt();
     void ofTheSessionsSocketsThereAreDisplayAndSound_data();
     void ofTheSessionsSocketsThereAreDisplayAndSound();
 
@@ -379,9 +416,11 @@ void TestClosedBox::noProgramReachesThePc()
 void TestClosedBox::systemCallsThatABoxDoesNotNeedFail_data()
 {
     QTest::addColumn<int>("error");
-    for (const char *name : {"unshare", "setns", "mount", "chroot", "ptrace", "add_key", "keyctl", "bpf",
-                             "perf_event_open", "userfaultfd", "io_uring_setup"})
+    for (const char *name :
+         {"unshare", "setns", "mount", "chroot", "clone", "personality", "ptrace", "add_key", "keyctl", "bpf",
+          "TIOCSTI", "TIOCSTI in a larger number", "TIOCLINUX", "perf_event_open", "userfaultfd", "io_uring_setup"})
         QTest::newRow(name) << EPERM;
+    QTest::newRow("clone3") << ENOSYS;
     for (const char *name : {"AF_PACKET", "AF_VSOCK", "AF_ALG", "AF_BLUETOOTH"})
         QTest::newRow(name) << EAFNOSUPPORT;
 }
@@ -390,7 +429,7 @@ void TestClosedBox::systemCallsThatABoxDoesNotNeedFail()
 {
     QFETCH(int, error);
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    if (QTest::currentDataTag() == QByteArray("ptrace"))
+    if (QByteArrayList{"personality", "ptrace"}.contains(QTest::currentDataTag()))
         QSKIP("The sanitizers need it, and have it.");
 #endif
     const QString program = m_installed.filePath("bin/tst_closedbox");
@@ -399,9 +438,31 @@ void TestClosedBox::systemCallsThatABoxDoesNotNeedFail()
         error);
 }
 
+// Where the PC runs them.
+void TestClosedBox::programsOfTheOtherWordLengthRun()
+{
+#ifdef __x86_64__
+    const int onThePc = QProcess::execute(QCoreApplication::applicationFilePath(), {callArgument, "other word length"});
+    const QString program = m_installed.filePath("bin/tst_closedbox");
+    QCOMPARE(runAs({}, inBox, {"--share", m_installed.path(), m_box, "--", program, callArgument, "other word length"}),
+             onThePc);
+#else
+    QSKIP("Only x86-64 has instructions for calls of the other word length.");
+#endif
+}
+
+// Of those outside, the one that has set up the box is in sight.
+void TestClosedBox::signalsReachNoProgramOutsideOfIt()
+{
+    if (!hasLandlockWithScopes())
+        QSKIP("This kernel is older than 6.12 or has no Landlock; nothing else keeps a box from that program.");
+    QCOMPARE(runAs({}, inBox, {m_box, "--", "sh", "-c", "test -d /proc/1 && kill -0 1"}), 1);
+    QVERIFY2(m_program->errors().contains("not permitted"), m_program->errors().constData());
+}
+
 void TestClosedBox::abstractSocketsAreOutOfReach()
 {
-    if (syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < landlockWithScopes)
+    if (!hasLandlockWithScopes())
         QSKIP("This kernel is older than 6.12 or has no Landlock; nothing else keeps a box from abstract sockets.");
     const QByteArray name = QString(socketName).arg(getpid()).toLatin1();
     socklen_t length = 0;

@@ -39,11 +39,11 @@ int watch(int argc, char **argv)
     return QCoreApplication::exec();
 }
 
-bool isRunning(const QByteArray &argument)
+bool isRunning(const QByteArray &commandLine)
 {
     const QStringList processes = QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs);
     for (const QString &process : processes) {
-        if (contentOf("/proc/" + process + "/cmdline").contains(argument))
+        if (contentOf("/proc/" + process + "/cmdline") == commandLine)
             return true;
     }
     return false;
@@ -75,6 +75,7 @@ private slots:
     void commandsOfASharedFolderRunWhereTheyAreCalled();
     void whatCannotBeSharedIsSaid_data();
     void whatCannotBeSharedIsSaid();
+    void aFolderThatTheBoxsOwnHidesCannotBeShared();
     void theEnvironmentIsTheBoxes();
     void descriptorsReachTheCommandIfTheyAreListed();
     void textsAreUtf8WhateverTheCallersLocale();
@@ -334,6 +335,9 @@ void TestInBox::commandsOfASharedFolderRunWhereTheyAreCalled()
     QCOMPARE(run({"/usr/local/bin/custom/hello"}), 0);
     QCOMPARE(run({command}), 127);
     QCOMPARE(m_inBox->errors(), "in-box: " + command.toUtf8() + ": No such file or directory\n");
+    // One that is none.
+    QCOMPARE(run({"/etc/passwd"}), 126);
+    QCOMPARE(m_inBox->errors(), QByteArray("in-box: /etc/passwd: Permission denied\n"));
 }
 
 void TestInBox::whatCannotBeSharedIsSaid_data()
@@ -361,15 +365,32 @@ void TestInBox::whatCannotBeSharedIsSaid()
     QCOMPARE(m_inBox->errors().count('\n'), 1);
 }
 
+// A folder that the PC itself need not have, so it has it for this test alone.
+void TestInBox::aFolderThatTheBoxsOwnHidesCannotBeShared()
+{
+    const QString folder = "/usr/local/bin/custom/folder";
+    m_inBox->setProgram("bwrap");
+    QCOMPARE(m_inBox->run({"--dev-bind", "/", "/", "--tmpfs", "/usr/local/bin", "--dir", folder,
+                           Program::inBuildTree(inBox), "--share", folder, m_box, "--", "true"}),
+             125);
+    QCOMPARE(m_inBox->errors(),
+             "in-box: --share " + folder.toUtf8()
+                 + " lies in the box's own /usr/local/bin/custom; copy it elsewhere\n");
+}
+
 void TestInBox::theEnvironmentIsTheBoxes()
 {
+    // Of the PC's desktop, which no program of a box reaches.
+    for (const char *name : {"QT_IM_MODULE", "QT_ACCESSIBILITY", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON"})
+        m_inBox->setVariable(name, "1");
     m_inBox->setVariable("SECRET_TOKEN", "of the PC");
     m_inBox->setVariable("XDG_CONFIG_HOME", "/root/.config");
     m_inBox->setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:abstract=/tmp/bus");
     m_inBox->setVariable("QT_LOGGING_RULES", "*=false;a b");
-    const QString script = "echo $HOME $USER $QT_LOGGING_RULES ${SECRET_TOKEN-} ${XDG_CONFIG_HOME-} "
-                           "${DBUS_SESSION_BUS_ADDRESS-}; cat /proc/*/environ 2>/dev/null | tr '\\0' '\\n' | grep -c "
-                           "SECRET; cat /proc/*/cmdline | tr '\\0' '\\n' | grep -c '^--bind'";
+    const QString script =
+        "echo $HOME $USER $QT_LOGGING_RULES ${SECRET_TOKEN-} ${XDG_CONFIG_HOME-} ${DBUS_SESSION_BUS_ADDRESS-} "
+        "${QT_IM_MODULE-} ${QT_ACCESSIBILITY-} ${QT_LINUX_ACCESSIBILITY_ALWAYS_ON-}; cat /proc/*/environ 2>/dev/null "
+        "| tr '\\0' '\\n' | grep -c SECRET; cat /proc/*/cmdline | tr '\\0' '\\n' | grep -c '^--bind'";
     QCOMPARE(run({"sh", "-c", script}), 1);
     QCOMPARE(m_inBox->output(), QByteArray("/home/user user *=false;a b\n0\n0\n"));
 }
@@ -415,7 +436,7 @@ void TestInBox::theCommandDiesWithItsParent()
     m_inBox->setArguments({m_box, "--", "sleep", seconds});
     m_inBox->start();
     const QByteArray commandLine = QString("sleep\n%1\n").arg(seconds).replace('\n', QChar('\0')).toLatin1();
-    QTRY_VERIFY(isRunning(commandLine));
+    QTRY_VERIFY(isRunning(commandLine)); // itself, and not only what is to start it
     m_inBox->kill();
     QTRY_VERIFY(!isRunning(commandLine));
 }
