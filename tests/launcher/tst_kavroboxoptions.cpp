@@ -41,11 +41,15 @@ private slots:
     void aFullDiskIsSaid();
     void aMissingPartOfThePcIsSaid_data();
     void aMissingPartOfThePcIsSaid();
+    void thePlatformMayHaveOptionsAndOthersBehindIt();
     void withoutADisplayItGoesOnHeadless();
     void aMissingPluginIsSaid();
     void aPluginThatCannotBeLoadedIsSaid_data();
     void aPluginThatCannotBeLoadedIsSaid();
     void aPluginThatEndsTheProcessLeavesThePicture();
+    void theWindowsThatAreAskedForOpen_data();
+    void theWindowsThatAreAskedForOpen();
+    void aLineOfOursBeginsALine();
     void theProcessInsideRunsInABoxOnly();
 
 private:
@@ -105,6 +109,7 @@ void TestKavroBoxOptions::wrongUsageIsRefusedInOneLine_data()
     QTest::newRow("time that is none") << QStringList{"--exit-after", "soon"} << QByteArray("--exit-after \"soon\"");
     QTest::newRow("negative time") << QStringList{"--exit-after", "-1"} << QByteArray("--exit-after \"-1\"");
     QTest::newRow("endless time") << QStringList{"--exit-after", "inf"} << QByteArray("--exit-after \"inf\"");
+    QTest::newRow("time beyond all timers") << QStringList{"--exit-after", "1e7"} << QByteArray("--exit-after \"1e7\"");
     QTest::newRow("size that is none") << QStringList{"--size", "large"} << QByteArray("--size \"large\"");
     QTest::newRow("size beyond all windows")
         << QStringList{"--size", "99999x99999"} << QByteArray("16384 pixels a side at most");
@@ -173,6 +178,8 @@ void TestKavroBoxOptions::aFileAddressOfThePcNeedsItsFolderShared()
     }
     QCOMPARE(m_program->run(m_usual + QStringList{"--share", m_folder->path(), address}), 0);
     QVERIFY2(!m_program->errors().contains("a file of the PC"), m_program->errors().constData());
+    // Programs, and what lies with them, a box has.
+    QCOMPARE(m_program->run(m_usual + QStringList("file:///usr/bin/env")), 0);
 }
 
 void TestKavroBoxOptions::aFileInPlaceOfAFolderOfTheBoxIsSaid_data()
@@ -238,6 +245,13 @@ void TestKavroBoxOptions::aMissingPartOfThePcIsSaid()
     QVERIFY2(m_program->errors().contains(message), m_program->errors().constData());
 }
 
+void TestKavroBoxOptions::thePlatformMayHaveOptionsAndOthersBehindIt()
+{
+    m_usual.removeOne("--headless");
+    m_program->setVariable("QT_QPA_PLATFORM", "offscreen:fontengine=freetype;minimal");
+    QCOMPARE(m_program->run(m_usual + QStringList("about:blank")), 0);
+}
+
 void TestKavroBoxOptions::withoutADisplayItGoesOnHeadless()
 {
     m_program->setVariable("DISPLAY", {});
@@ -294,6 +308,39 @@ void TestKavroBoxOptions::aPluginThatEndsTheProcessLeavesThePicture()
     m_usual.removeLast(); // the time
     QCOMPARE(m_program->run(m_usual + QStringList{"30", "--screenshot", picture}), 0);
     QCOMPARE(QImage(picture).pixelColor(1000, 500), QColor(Qt::green));
+}
+
+void TestKavroBoxOptions::theWindowsThatAreAskedForOpen_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("windows");
+    QTest::newRow("usual") << QStringList() << QByteArray("ScreenWindow\n533x299\n"); // of a desktop of 800x800
+    QTest::newRow("size") << QStringList{"--size", "640x360"} << QByteArray("ScreenWindow\n640x360\n");
+    QTest::newRow("remote control") << QStringList{"--size", "640x360", "--remote"}
+                                    << QByteArray("RemoteControl ScreenWindow\n640x360\n");
+    QTest::newRow("inspector") << QStringList{"--size", "640x360", "--inspector"}
+                               << QByteArray("QWebInspector ScreenWindow\n640x360\n");
+}
+
+// And it is left when the screen's window is closed.
+void TestKavroBoxOptions::theWindowsThatAreAskedForOpen()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, windows);
+    const QString target = install();
+    QVERIFY(QFile::copy(Program::inBuildTree("tests/plugins/libkavro_windows_plugin.so"),
+                        target + "/lib/kavro/libkavrostbbrowser.so"));
+    QCOMPARE(m_program->run(QStringList{"--box", m_folder->filePath("box"), "--headless"} + options), 0);
+    QCOMPARE(m_program->output(), windows);
+}
+
+void TestKavroBoxOptions::aLineOfOursBeginsALine()
+{
+    const QString target = install();
+    QVERIFY(QFile::copy(Program::inBuildTree("tests/plugins/libkavro_windows_plugin.so"),
+                        target + "/lib/kavro/libkavrostbbrowser.so"));
+    QCOMPARE(m_program->run({"--box", m_folder->filePath("box"), "--headless"}), 0);
+    QVERIFY2(m_program->errors().contains("begun\nkavro-box: console: of the page ("), m_program->errors().constData());
 }
 
 void TestKavroBoxOptions::theProcessInsideRunsInABoxOnly()
