@@ -10,6 +10,7 @@
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/OddFile.h"
+#include "tests/support/TlsServer.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -90,6 +91,7 @@ private slots:
     void aWholeImageIsInstalled();
     void anUpgradeFollowsNoLink();
     void anImageComesFromTheNetworkAlone();
+    void anImageComesOnlyFromAServerThatTheBoxTrusts();
     void theEndDoesNotWaitForAnUpgrade();
     void anImageThatDidNotArriveIsNotInstalled_data();
     void anImageThatDidNotArriveIsNotInstalled();
@@ -250,6 +252,27 @@ void TestDeskDevice::anImageComesFromTheNetworkAlone()
     QTRY_VERIFY(log.text().contains(" failed: "));
     QVERIFY2(log.text().contains("rotocol"), qPrintable(log.text()));
     QCOMPARE(boxFile(image), before);
+}
+
+void TestDeskDevice::anImageComesOnlyFromAServerThatTheBoxTrusts()
+{
+    TlsServer server;
+    QVERIFY(server.isUp());
+    const QByteArray before = boxFile(image);
+    {
+        const ErrorOutput log;
+        QCOMPARE(KVR_UpgradeFirmware(server.url().toEncoded()), int(KVR_OK));
+        QTRY_VERIFY(log.text().contains(" failed: "));
+        QVERIFY2(log.text().contains("certificate"), qPrintable(log.text()));
+        QCOMPARE(boxFile(image), before);
+    }
+    const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
+    QVERIFY(QFile::remove(bundle)); // it may be a link to the PC's
+    QVERIFY(QFile::copy(TlsServer::certificate, bundle));
+    const ErrorOutput log;
+    QCOMPARE(KVR_UpgradeFirmware(server.url().toEncoded()), int(KVR_OK));
+    QTRY_VERIFY2(log.text().contains(" done"), qPrintable(log.text()));
+    QCOMPARE(boxFile(image), QByteArray(TlsServer::page));
 }
 
 void TestDeskDevice::theEndDoesNotWaitForAnUpgrade()

@@ -4,68 +4,10 @@
 #include "tests/support/BoxFile.h"
 #include "tests/support/HostedPlugin.h"
 #include "tests/support/MessageLog.h"
+#include "tests/support/TlsServer.h"
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QWebView>
 #include <QtTest>
-
-namespace {
-
-// A port that nobody uses now.
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
-}
-
-const char *const page = "<title>Portal</title>";
-
-// A server of the TLS library's own tools with a self-signed certificate.
-class TlsServer
-{
-public:
-    explicit TlsServer(const QStringList &options)
-    {
-        // Served as it stands, head and all.
-        writeBoxFile("/tmp/page",
-                     "HTTP/1.0 200 OK\r\nContent-Type: text/html\r\nContent-Length: "
-                         + QByteArray::number(int(qstrlen(page))) + "\r\n\r\n" + page);
-        QProcess maker;
-        maker.start("openssl",
-                    {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1", "-addext",
-                     "subjectAltName=IP:127.0.0.1", "-keyout", "/tmp/key.pem", "-out", "/tmp/certificate.pem"});
-        maker.waitForFinished();
-        m_process.setWorkingDirectory("/tmp");
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start("openssl",
-                        QStringList{"s_server", "-HTTP", "-accept", QString("127.0.0.1:%1").arg(m_port), "-key",
-                                    "key.pem", "-cert", "certificate.pem"}
-                            + options);
-    }
-    ~TlsServer()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-
-    bool isUp()
-    {
-        QTcpSocket socket;
-        return QTest::qWaitFor([this, &socket] {
-            socket.connectToHost(QHostAddress::LocalHost, m_port);
-            return socket.waitForConnected(100);
-        });
-    }
-    QUrl url() const { return QUrl(QString("https://127.0.0.1:%1/page").arg(m_port)); }
-
-private:
-    quint16 m_port = freePort();
-    QProcess m_process;
-};
-
-} // namespace
 
 // Pages from servers that speak TLS.
 class TestTls : public QObject
@@ -107,7 +49,7 @@ void TestTls::aCertificateOfTheBoxIsTrusted()
     QVERIFY(server.isUp());
     const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
     QVERIFY(QFile::remove(bundle)); // it may be a link to the PC's
-    QVERIFY(QFile::copy("/tmp/certificate.pem", bundle));
+    QVERIFY(QFile::copy(TlsServer::certificate, bundle));
     HostedPlugin plugin;
     QVERIFY(plugin.start());
     const MessageLog log;
