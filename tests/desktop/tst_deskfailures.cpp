@@ -74,6 +74,7 @@ private slots:
     void cleanup();
     void aSourceThatFailsIsAnErrorInTime_data();
     void aSourceThatFailsIsAnErrorInTime();
+    void aPlayersLineHasNothingOfOthers();
     void aPauseIsNoFailureHoweverLong();
     void aSourceThatComesLateIsNoFailure();
     void closingReturnsAtOnceAndLeavesNothing_data();
@@ -89,6 +90,7 @@ private:
 
     void begin(Attempt *attempt);
     void beginNext();
+    void beginFirst();
     void beginWhatDoesNotFail();
 
     BadSources m_sources;
@@ -96,6 +98,8 @@ private:
     std::vector<Attempt> m_attempts; // of each source
     ErrorOutput m_log;
     KVR_ID m_done = -1; // player of the row
+    KVR_ID m_first = -1;
+    const QByteArray m_silent = "udp://127.0.0.1:" + QByteArray::number(freeUdpPort());
     KVR_ID m_paused = -1;
     QElapsedTimer m_sincePause;
     KVR_ID m_late = -1;
@@ -114,9 +118,17 @@ void TestDeskFailures::initTestCase()
     KVR_ClosePlayer(1); // what delivers events is there now
     m_tasks = entriesOf("/proc/self/task");
     m_attempts.resize(m_all.size());
+    beginFirst();
     beginWhatDoesNotFail();
     for (std::size_t i = 0; i < atOnce; ++i)
         beginNext();
+}
+
+// What libraries say of all players, they say to the one that was there first.
+void TestDeskFailures::beginFirst()
+{
+    m_first = KVR_CreatePlayer();
+    BadSources::play(m_first, m_silent);
 }
 
 // Meanwhile others fail.
@@ -185,6 +197,14 @@ void TestDeskFailures::aSourceThatFailsIsAnErrorInTime()
     }
     QVERIFY2(told.contains(source.reason), qPrintable(told));
     QVERIFY(playerPicture(id).isNull());
+}
+
+void TestDeskFailures::aPlayersLineHasNothingOfOthers()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_first), int(KVR_PLAYER_ERROR), int(longestFailure));
+    const QString line = QString("player %1: cannot play %2: nothing arrives\n").arg(m_first).arg(QString(m_silent));
+    QVERIFY2(m_log.text().contains(line), qPrintable(m_log.text()));
+    QCOMPARE(KVR_ClosePlayer(m_first), int(KVR_OK));
 }
 
 void TestDeskFailures::aPauseIsNoFailureHoweverLong()

@@ -45,8 +45,20 @@ private slots:
     void keysReachThePageAfterADialog();
     void theDialogMayBeOpenAtTheEnd();
     void aRebootStartsOverAndGoesOn();
+    void aRebootLeavesItTheTimeThatWasLeft();
+    void onceItIsLeftItDoesNotStartOver();
     void aWindowWithAllItsCompanionsOpens();
+
+private:
+    /// Asks the process inside, which must be there, to start over, as the box's reboot command does.
+    bool startOver();
 };
+
+bool TestKavroBox::startOver()
+{
+    const pid_t process = insideProcess(m_server->url().toString().toUtf8());
+    return process > 0 && kill(process, SIGHUP) == 0;
+}
 
 void TestKavroBox::thePictureIsThePageAtTheSizeOfTheScreen()
 {
@@ -267,6 +279,29 @@ void TestKavroBox::aRebootStartsOverAndGoesOn()
     QVERIFY(clock.elapsed() < 20000);
     QCOMPARE(told(), QStringList({"start", "40", "start", "38"}));
     QCOMPARE(QImage(m_picture).size(), QSize(1920, 1080));
+}
+
+void TestKavroBox::aRebootLeavesItTheTimeThatWasLeft()
+{
+    m_server->serve("/", page("tell('start'); setTimeout(function () { tell('late'); }, 5000);"));
+    begin({"--exit-after", "8", m_server->url().toString()});
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList({"start", "late"}), patience);
+    QVERIFY(startOver());
+    QCOMPARE(m_program->finish(), 0);
+    QCOMPARE(told().count("late"), 1);
+}
+
+void TestKavroBox::onceItIsLeftItDoesNotStartOver()
+{
+    m_server->serve("/",
+                    page("setTimeout(function () { StbDisplay.Debug(' busy');"
+                         "for (var end = Date.now() + 2000; Date.now() < end;); StbDisplay.ExitToMenu(); }, 0);"));
+    begin({m_server->url().toString()});
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->output(), QByteArray("debug busy\n"), patience);
+    // Both are there when the script ends, and the page's wish is the first to be taken.
+    QVERIFY(startOver());
+    QCOMPARE(m_program->finish(), 0);
+    QCOMPARE(m_program->output(), QByteArray("debug busy\n"));
 }
 
 void TestKavroBox::aWindowWithAllItsCompanionsOpens()

@@ -44,6 +44,7 @@ private slots:
     void aPageGivenOnceIsNotTheNextHomePage();
     void theAuthorsOwnHomePageIsOpened();
     void aMalformedManifestIsSaidAndTheBoxStarts();
+    void keysComeWithoutAPageToo();
     void itMayBeLeftWhileTheSplashIsShown();
     void tracingLastsForOneRun_data();
     void tracingLastsForOneRun();
@@ -262,6 +263,12 @@ void TestKavroBoxPages::aMalformedManifestIsSaidAndTheBoxStarts()
     QVERIFY(m_program->errors().contains("kavro-box: " + manifest().toUtf8() + " is malformed ("));
     QVERIFY(m_program->errors().contains("Malformed Manifest\n"));
     QCOMPARE(QImage(m_picture).size(), QSize(1920, 1080));
+}
+
+void TestKavroBoxPages::keysComeWithoutAPageToo()
+{
+    QVERIFY(writeFile(manifest(), "<m><p type='homepage'>")); // nothing is loaded, or fails to
+    QCOMPARE(run({"--keys", "F1"}), 0);
 }
 
 void TestKavroBoxPages::itMayBeLeftWhileTheSplashIsShown()

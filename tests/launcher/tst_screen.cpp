@@ -81,6 +81,7 @@ private slots:
     void aChangeOfAWindowIsPainted();
     void theWindowOfAClosedPlayerGoes();
     void aDialogStandsInTheMiddleOfItsPage();
+    void keysReturnToTheWidgetWhoseDialogItWas();
     void theScreenOutlivesThePlugin();
     void theWindowShowsTheSamePicture();
     void theWindowKeepsTheShapeOfTheScreen();
@@ -406,6 +407,28 @@ void TestScreen::aDialogStandsInTheMiddleOfItsPage()
     dialog.show();
     QVERIFY(dialog.graphicsProxyWidget());
     QTRY_COMPARE(dialog.graphicsProxyWidget()->pos(), QPointF(page->rect().center() - dialog.rect().center()));
+}
+
+void TestScreen::keysReturnToTheWidgetWhoseDialogItWas()
+{
+    Screen screen;
+    auto *page = new Page({1280, 720});
+    auto *view = new QWidget(page);
+    auto *other = new QWidget(page);
+    for (QWidget *widget : {view, other})
+        widget->setFocusPolicy(Qt::StrongFocus);
+    screen.setPlugin(page);
+    ScreenWindow window(&screen, {960, 540});
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    other->setFocus();
+    QTRY_VERIFY(other->hasFocus());
+    QDialog dialog(view);
+    dialog.show();
+    dialog.setFocus();
+    QTRY_VERIFY(dialog.hasFocus());
+    dialog.hide();
+    QTRY_VERIFY(view->hasFocus());
 }
 
 void TestScreen::theScreenOutlivesThePlugin()

@@ -56,6 +56,7 @@ private slots:
     void init();
 
     void aPageCannotCommandTheTerminalNorForgeOurLines();
+    void aLineWithoutAnEndIsNotKeptFromTheTerminal();
     void inAFileItIsAsThePageWroteIt();
     void linesComeInTheOrderInWhichTheyWereWritten();
     void itEndsAlthoughNobodyReadsIt_data();
@@ -64,6 +65,9 @@ private slots:
     void whatNobodyHasReadIsSaidToBeLost();
 
 private:
+    /// Runs the desk box with both outputs on a terminal and a page that leaves by itself, until this is shown at the
+    /// end.
+    void runOnTerminal(const QByteArray &script, const QByteArray &end, QByteArray *lines);
     /// Starts the desk box with both outputs in a pipe, of which the reading end is m_end.
     void beginInPipe(const QStringList &arguments);
 
@@ -97,35 +101,50 @@ bool TestTerminal::isPipeFull() const
     return ioctl(m_end, FIONREAD, &unread) == 0 && unread > fcntl(m_end, F_GETPIPE_SZ) - PIPE_BUF;
 }
 
-void TestTerminal::aPageCannotCommandTheTerminalNorForgeOurLines()
+void TestTerminal::runOnTerminal(const QByteArray &script, const QByteArray &end, QByteArray *lines)
 {
-    m_server->serve("/", page(QByteArray("leave(500);") + forgeries));
+    m_server->serve("/", page("leave(500);" + script));
     m_end = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     QVERIFY(m_end >= 0 && grantpt(m_end) == 0 && unlockpt(m_end) == 0);
     const int terminal = open(ptsname(m_end), O_RDWR | O_NOCTTY | O_CLOEXEC);
     QVERIFY(terminal >= 0);
-    QByteArray shown;
     QSocketNotifier notifier(m_end, QSocketNotifier::Read);
-    connect(&notifier, &QSocketNotifier::activated, this, [this, &shown] {
+    connect(&notifier, &QSocketNotifier::activated, this, [this, lines] {
         char bytes[4096];
         for (ssize_t count = 0; (count = read(m_end, bytes, sizeof bytes)) > 0;)
-            shown.append(bytes, int(count));
+            lines->append(bytes, int(count));
     });
     m_program.reset(new ProgramOn("bin/kavro-box", terminal));
     m_program->setVariable("LC_ALL", "C.UTF-8");
     QCOMPARE(run({m_server->url().toString()}), 0);
-    QTRY_VERIFY(shown.contains("an error"));
+    QTRY_VERIFY(lines->contains(end));
     close(terminal);
+    lines->replace("\r\n", "\n");
+}
 
-    const QByteArray lines = shown.replace("\r\n", "\n");
+void TestTerminal::aPageCannotCommandTheTerminalNorForgeOurLines()
+{
+    QByteArray lines;
+    runOnTerminal(forgeries, "an error", &lines);
     for (const char byte : lines)
-        QVERIFY2(uchar(byte) >= ' ' || byte == '\n' || byte == '\t', shown.toPercentEncoding(" :\n").constData());
+        QVERIFY2(uchar(byte) >= ' ' || byte == '\n' || byte == '\t', lines.toPercentEncoding(" :\n").constData());
     QVERIFY2(lines.contains("debug\\x1b]0;title\\x07 \\u009b31m red\n"), lines.constData());
     QVERIFY2(lines.contains("\nkavro-box\\: forged by a line\n"), lines.constData());
     QVERIFY2(lines.contains("debug\\x0dkavro-box\\: forged by a return\n"), lines.constData());
     QVERIFY2(lines.contains("\nkavro-box: console: of the console kavro-box\\: forged there ("), lines.constData());
     QVERIFY2(lines.contains("\nkavro-box: console error: "), lines.constData());
     QVERIFY2(!lines.contains("kavro-box: forged"), lines.constData());
+}
+
+void TestTerminal::aLineWithoutAnEndIsNotKeptFromTheTerminal()
+{
+    const int longest = 1 << 16;
+    QByteArray lines;
+    runOnTerminal("StbDisplay.Debug(new Array(100001).join('x') + 'end');", "xend\r\n", &lines);
+    QVERIFY(lines.count('x') >= 100000);
+    const QList<QByteArray> all = lines.split('\n');
+    for (const QByteArray &line : all)
+        QVERIFY2(line.size() <= longest, QByteArray::number(line.size()));
 }
 
 void TestTerminal::inAFileItIsAsThePageWroteIt()
