@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <csignal>
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -63,6 +65,7 @@ private slots:
     void aBoxHasFourGigabytes();
     void aPageThatTakesTooMuchMemoryIsTold();
     void aPageThatMakesDoWithItsMemoryIsToldToo();
+    void theMemoryIsToldWithoutStackToo();
 
 private:
     /// Starts the desk box with the limits that a shell's command sets.
@@ -139,6 +142,23 @@ void TestLimits::aPageThatMakesDoWithItsMemoryIsToldToo()
     QCOMPARE(m_program->errors().count("\nkavro-box: the page has taken nearly all of the 600 MB of memory that a box "
                                        "has; what needs more fails\n"),
              1);
+}
+
+void TestLimits::theMemoryIsToldWithoutStackToo()
+{
+    if (isInstrumented)
+        QSKIP("A box under the sanitizers has no limit of memory.");
+    m_server->serve("/",
+                    page("onload = function () { window.all = []; for (var i = 0; i < 43; ++i)"
+                         "all.push(new Uint8Array(10000000)); setTimeout(function () {"
+                         "for (var element = document.body, i = 0; i < 60000; ++i)"
+                         "element = element.appendChild(document.createElement('div'));"
+                         "document.body.offsetHeight; tell('survived'); leave(); }, 100); };"));
+    beginBelow("ulimit -d 614400; ulimit -s 8192", {"--engine", "pc", m_server->url().toString()});
+    QCOMPARE(m_program->finish(), 128 + SIGSEGV);
+    QCOMPARE(told(), QStringList());
+    QVERIFY(m_program->errors().contains("\nkavro-box: the page took more than the 600 MB of memory that a box has, "
+                                         "and the box crashed (signal "));
 }
 
 QTEST_GUILESS_MAIN(TestLimits)
