@@ -7,7 +7,6 @@
 #include <QGraphicsProxyWidget>
 #include <QTimer>
 #include <QWebFrame>
-#include <QWebInspector>
 #include <QWebView>
 
 #include <cstdio>
@@ -15,9 +14,7 @@
 void WindowsPlugin::setFullPath(const QString &)
 {
     auto *view = new QWebView(this);
-    auto *inspector = new QWebInspector;
-    inspector->setPage(view->page());
-    connect(this, &QObject::destroyed, inspector, &QObject::deleteLater);
+    m_inspector.setPage(view->page());
     QTimer::singleShot(500, this, [this, view] {
         std::fputs("begun", stderr);
         view->page()->mainFrame()->evaluateJavaScript("console.log('of the page');");

@@ -5,6 +5,8 @@
 
 #include "shell/CStbApplication.h"
 
+#include <QWebInspector>
+
 /// A plugin with a page and its inspector that, a moment after its start, writes which windows are open and how large
 /// the screen's is, and closes that, as a user does. Before that it begins a line, and its page writes to the console.
 class WindowsPlugin : public CStbApplication
@@ -25,4 +27,6 @@ public:
 
 private:
     void writeWindows();
+
+    QWebInspector m_inspector;
 };

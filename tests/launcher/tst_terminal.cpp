@@ -126,7 +126,7 @@ void TestTerminal::aPageCannotCommandTheTerminalNorForgeOurLines()
 {
     QByteArray lines;
     runOnTerminal(forgeries, "an error", &lines);
-    for (const char byte : lines)
+    for (const char byte : qAsConst(lines))
         QVERIFY2(uchar(byte) >= ' ' || byte == '\n' || byte == '\t', lines.toPercentEncoding(" :\n").constData());
     QVERIFY2(lines.contains("debug\\x1b]0;title\\x07 \\u009b31m red\n"), lines.constData());
     QVERIFY2(lines.contains("\nkavro-box\\: forged by a line\n"), lines.constData());
