@@ -1,8 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "launcher/closed/KernelScope.h"
 #include "launcher/Report.h"
+#include "launcher/closed/KernelScope.h"
 #include "launcher/net/NetGate.h"
 
 #include <QNetworkDatagram>
