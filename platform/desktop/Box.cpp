@@ -56,7 +56,7 @@ private:
     TaskQueue m_queue;
 };
 
-const ScheduleStarter starter;
+const ScheduleStarter starter; // clazy:exclude=non-pod-global-static (to run when the library is loaded is its purpose)
 
 } // namespace
 
