@@ -21,9 +21,10 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        const QMetaObject *const metaObject = watched->metaObject();
-        if (event->type() == QEvent::DeferredDelete && QByteArray(metaObject->className()).endsWith(m_className))
-            m_found = metaObject;
+        // Not all that gets events has a class that this program knows.
+        if (event->type() == QEvent::DeferredDelete
+            && QByteArray(watched->metaObject()->className()).endsWith(m_className))
+            m_found = watched->metaObject();
         return false;
     }
 
