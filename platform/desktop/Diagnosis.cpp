@@ -3,6 +3,7 @@
 
 #include "Diagnosis.h"
 #include "Address.h"
+#include "StreamError.h"
 
 #include <chrono>
 
@@ -32,7 +33,5 @@ Desk::Problem Desk::diagnose(const std::string &address)
     avformat_close_input(&source);
     if (result >= 0 || result == AVERROR_EXIT)
         return std::nullopt;
-    char text[AV_ERROR_MAX_STRING_SIZE] = "";
-    av_strerror(result, text, sizeof text);
-    return text;
+    return streamErrorText(result);
 }

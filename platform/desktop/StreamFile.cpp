@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "StreamFile.h"
+#include "StreamError.h"
 #include "StreamSource.h"
 
 #include <algorithm>
-#include <array>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -33,9 +33,7 @@ Problem StreamFile::problemOf(int error) const
         return "writing: " + *m_writeProblem;
     if (error >= 0)
         return {};
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text = {};
-    av_strerror(error, text.data(), text.size());
-    return "writing: " + std::string(text.data());
+    return "writing: " + streamErrorText(error);
 }
 
 Problem StreamFile::addStreams(const StreamSource &source)

@@ -3,9 +3,9 @@
 
 #include "StreamSource.h"
 #include "Address.h"
+#include "StreamError.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 extern "C" {
@@ -52,9 +52,7 @@ std::string StreamSource::reasonOf(int error) const
 {
     if (error == AVERROR_EXIT || isSilent() || m_stopped)
         return silence();
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text = {};
-    av_strerror(error, text.data(), text.size());
-    return m_address + ": " + text.data();
+    return m_address + ": " + streamErrorText(error);
 }
 
 Problem StreamSource::open()
