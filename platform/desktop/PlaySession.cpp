@@ -91,7 +91,7 @@ void PlaySession::end(KVR_PlayerState state)
     m_magnetStream.setDownload(nullptr);
     m_magnet.reset();
     reportMulticast(false);
-    m_model.changeFor(m_number, [=](PlayerStatus &status) { status.reset(state); });
+    change([=](PlayerStatus &status) { status.reset(state); });
     if (m_model.status().session == m_number)
         m_window.setShowing(false);
 }
@@ -170,7 +170,7 @@ void PlaySession::stepBackwards()
         end(KVR_PLAYER_ENDED);
         return;
     }
-    m_model.changeFor(m_number, [=](PlayerStatus &status) { status.position = position; });
+    change([=](PlayerStatus &status) { status.position = position; });
     if (!m_rewindSeeking) {
         m_rewindSeeking = true;
         seekCore(position);
