@@ -12,8 +12,6 @@
 /// nothing is escaped.
 namespace JsonText {
 
-using ::filled;
-
 /// A list of the entries, each of which a template has ended with a comma and a line feed. The last comma stays.
 inline QString list(const QString &entries)
 {

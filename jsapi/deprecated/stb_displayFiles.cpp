@@ -17,7 +17,7 @@ QString listing(const QString &dir, QDir::Filters kind)
     QString entries;
     const QStringList names = entryNames(QLatin1String(storageRoot) + dir, kind);
     for (const QString &name : names)
-        entries += JsonText::filled("\"%1\",\n", name);
+        entries += filled("\"%1\",\n", name);
     return JsonText::list(entries);
 }
 

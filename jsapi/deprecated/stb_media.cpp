@@ -146,7 +146,7 @@ int stb_media::GetPlayerState(int id)
 QString stb_media::getEventDescription()
 {
     trace("stb_media.GetPlayerState()");
-    return JsonText::filled("{\"id\":\"%1\",\"type\":\"%2\"}", lastEventId, lastEventType);
+    return filled("{\"id\":\"%1\",\"type\":\"%2\"}", lastEventId, lastEventType);
 }
 
 // The browser keeps the handler; there is nothing here to read. Neither reading nor writing is traced.

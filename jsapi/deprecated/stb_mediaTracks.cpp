@@ -18,14 +18,14 @@ const char invalidIdOfRecord[] = "{\"errordescr\" : \"Invalid Id\"}";
 
 QString trackEntry(const PlatformRecords::Track &track)
 {
-    return JsonText::filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\"},\n", track.id, track.description,
-                            track.supported);
+    return filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\"},\n", track.id, track.description,
+                  track.supported);
 }
 
 QString subtitleTrackEntry(const PlatformRecords::Track &track)
 {
-    return JsonText::filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\",\"encoding\":\"%4\"},\n", track.id,
-                            track.description, track.supported, track.encoding);
+    return filled("{\"id\":\"%1\",\"descr\":\"%2\",\"supported\":\"%3\",\"encoding\":\"%4\"},\n", track.id,
+                  track.description, track.supported, track.encoding);
 }
 
 QString answer(const PlatformRecords::TrackList &list, QString (*toEntry)(const PlatformRecords::Track &))
@@ -119,7 +119,7 @@ QString stb_media::GetLastMulticastEvent(int id)
     PlatformRecords::MulticastEvent event;
     if (!PlatformRecords::lastMulticastEvent(id, event))
         return QLatin1String(invalidIdOfRecord);
-    return JsonText::filled("{\"ip_port\":\"%1\",\"state\":\"%2\"}", event.address, event.state);
+    return filled("{\"ip_port\":\"%1\",\"state\":\"%2\"}", event.address, event.state);
 }
 
 } // namespace KavroJSDeprecated
