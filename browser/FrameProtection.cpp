@@ -38,6 +38,5 @@ void FrameProtection::watch(QWebFrame *frame)
 
 void FrameProtection::runScript()
 {
-    static const QString script = pageScript("frames");
-    static_cast<QWebFrame *>(sender())->evaluateJavaScript(script);
+    runPageScript(static_cast<QWebFrame *>(sender()), "frames");
 }

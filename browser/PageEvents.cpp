@@ -11,15 +11,13 @@ PageEvents::PageEvents(QWebFrame *frame, const QString &mediaName, QObject *pare
     : QObject(parent)
     , m_frame(frame)
 {
-    static const QString script = pageScript("events");
     frame->addToJavaScriptWindowObject(mediaName, this);
-    frame->evaluateJavaScript(script);
+    runPageScript(frame, "events");
 }
 
 void PageEvents::addSetter()
 {
-    static const QString script = pageScript("callback");
-    m_frame->evaluateJavaScript(script);
+    runPageScript(m_frame, "callback");
 }
 
 void PageEvents::deliver(int argument, int code)

@@ -25,10 +25,9 @@ void PageGuards::add(const QString &name, QObject *object)
 
 void PageGuards::finish(KavroJS::StbPVR *pvr)
 {
-    static const QString script = pageScript("guards");
     m_frame->addToJavaScriptWindowObject(QLatin1String("pageGuards"), this);
     m_frame->addToJavaScriptWindowObject(QLatin1String("recordTimes"), new RecordTimes(pvr, this));
-    m_frame->evaluateJavaScript(script);
+    runPageScript(m_frame, "guards");
 }
 
 QObject *PageGuards::guarded(const QString &name)

@@ -4,9 +4,19 @@
 #include "browser/PageScript.h"
 
 #include <QFile>
+#include <QHash>
+#include <QString>
+#include <QWebFrame>
 
-QString pageScript(const char *name)
+void runPageScript(QWebFrame *frame, const char *name)
 {
-    QFile file(QLatin1String(":/kavrostbbrowser/page/") + QLatin1String(name) + QLatin1String(".js"));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll().constData()) : QString();
+    static QHash<QString, QString> scripts;
+    QString &script = scripts[QLatin1String(name)];
+    if (script.isEmpty()) {
+        QFile file(QLatin1String(":/kavrostbbrowser/page/") + QLatin1String(name) + QLatin1String(".js"));
+        if (file.open(QIODevice::ReadOnly))
+            script = QString::fromUtf8(file.readAll().constData());
+    }
+    // A copy, since a script may run another one.
+    frame->evaluateJavaScript(QString(script));
 }

@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include <QString>
+class QWebFrame;
 
-/// The text of resources/page/NAME.js, a script that the plugin puts into pages.
-QString pageScript(const char *name);
+/// Runs resources/page/NAME.js, a script that the plugin puts into pages, in the page of the frame. It is read once a
+/// process.
+void runPageScript(QWebFrame *frame, const char *name);
