@@ -32,9 +32,10 @@ KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     setUpWebSettings();
     addShortcuts();
     scriptObjects.reset(new ScriptObjects(this));
-    createPage();
-    connectPageToPlatform();
-    loader.reset(new PageLoader(this));
+    UserAgentWebPage *const portal = UserAgentWebPage::create(this);
+    setPage(portal);
+    connectPage();
+    loader.reset(new PageLoader(this, portal));
     connect(this, SIGNAL(loadFinished(bool)), SLOT(pageLoaded(bool)));
     connect(this, SIGNAL(loadProgress(int)), SLOT(onLoadProgress()));
     connect(scriptObjects->displayObject(), SIGNAL(keyDelayChanged(int)), SLOT(changeKeyDelay(int)));
@@ -59,15 +60,10 @@ void KavroStbBrowser::addShortcuts()
     new QShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_C, this, SLOT(showCursor()));
 }
 
-void KavroStbBrowser::createPage()
+void KavroStbBrowser::connectPage()
 {
-    setPage(UserAgentWebPage::create(this));
     connect(page()->networkAccessManager(), SIGNAL(sslErrors(QNetworkReply *, QList<QSslError>)),
             SLOT(sslErrorHandler(QNetworkReply *, QList<QSslError>)));
-}
-
-void KavroStbBrowser::connectPageToPlatform()
-{
     connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
@@ -116,6 +112,7 @@ void KavroStbBrowser::newUrl()
 void KavroStbBrowser::goToUrl()
 {
     disconnect(this, SIGNAL(loadFinished(bool)), this, SLOT(pageLoaded(bool)));
+    disconnect(this, SIGNAL(loadProgress(int)), this, SLOT(onLoadProgress())); // nothing would stop its timer
     loader->leaveFor(QUrl(AddressDialog::address()));
 }
 

@@ -56,8 +56,7 @@ private slots:
 private:
     static void setUpWebSettings();
     void addShortcuts();
-    void createPage();
-    void connectPageToPlatform();
+    void connectPage();
 
     // They end with the slots, before the view does: its last page may still run scripts, and wait in them.
     std::unique_ptr<TraceFile> traceFile;

@@ -3,6 +3,7 @@
 
 #include "browser/PageLoader.h"
 
+#include "browser/UserAgentWebPage.h"
 #include "browser/bridge/JsApiTracer.h"
 #include "common/other/plainfile.h"
 #include "common/other/qtcompat.h"
@@ -40,8 +41,9 @@ QTimer *createTimer(QWebView *view, int interval, const char *slot)
 
 } // namespace
 
-PageLoader::PageLoader(QWebView *view)
+PageLoader::PageLoader(QWebView *view, UserAgentWebPage *page)
     : view(view)
+    , page(page)
     , reloadTimer(createTimer(view, reloadDelay, SLOT(reloadPage())))
     , errorPageTimer(createTimer(view, noProgressTimeout, SLOT(loadErrorPage())))
     , retryCount(0)
@@ -67,7 +69,7 @@ void PageLoader::leaveFor(const QUrl &url)
     errorPageTimer->stop();
     view->stop();
     res_init();
-    view->setUrl(url);
+    replacePage(url);
     std::cout << view->url().toString() << std::endl;
 }
 
@@ -93,7 +95,7 @@ void PageLoader::finish(bool isLoaded)
 void PageLoader::reload()
 {
     qDebug() << "Try to load page" << view->url();
-    view->setUrl(view->url());
+    replacePage(view->url());
 }
 
 void PageLoader::showErrorPage()
@@ -103,12 +105,21 @@ void PageLoader::showErrorPage()
     errorPageTimer->stop();
     reloadTimer->stop();
     if (!errorPageUrl.isEmpty())
-        view->setUrl(errorPageUrl);
+        replacePage(errorPageUrl);
+}
+
+// setUrl ends a document without a word, and what its page has begun, players for one, would go on.
+void PageLoader::replacePage(const QUrl &url)
+{
+    // The empty document in between is no load that anybody waits for.
+    const bool wereBlocked = view->blockSignals(true);
+    page->leaveDocument();
+    view->blockSignals(wereBlocked);
+    view->setUrl(url);
 }
 
 void PageLoader::dumpPage(bool isLoaded)
 {
-    const QWebPage *page = view->page();
     qDebug() << "Page loaded: " << isLoaded << "Page: " << view->url() << " Page size[[" << page->totalBytes() << "]]";
     const QString path = QLatin1String(pageDump);
     Common::PlainFile file(path);

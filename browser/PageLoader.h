@@ -7,6 +7,7 @@
 
 class QTimer;
 class QWebView;
+class UserAgentWebPage;
 
 /// Has the view load the portal, and keeps trying while it cannot be loaded. When it gives up, or a load makes no
 /// progress, the error page is shown, and from then on nothing is tried again.
@@ -15,7 +16,7 @@ class PageLoader
 public:
     /// The view tells of its loads by noteProgress and finish. Its slots reloadPage and loadErrorPage, which are to
     /// call reload and showErrorPage, are called in time.
-    explicit PageLoader(QWebView *view);
+    PageLoader(QWebView *view, UserAgentWebPage *page);
 
     void load(const QUrl &url);
     /// The page to show when no page can be loaded; none if empty.
@@ -29,10 +30,12 @@ public:
     void showErrorPage();
 
 private:
+    void replacePage(const QUrl &url);
     void dumpPage(bool isLoaded);
     void retryOrGiveUp();
 
     QWebView *view;
+    UserAgentWebPage *page;
     QTimer *reloadTimer;
     QTimer *errorPageTimer; ///< runs out when a load makes no progress
     QUrl errorPageUrl;

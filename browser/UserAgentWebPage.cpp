@@ -8,6 +8,7 @@
 
 #include <QDebug>
 #include <QKeyEvent>
+#include <QWebFrame>
 #include <QWebSettings>
 
 namespace {
@@ -35,7 +36,17 @@ UserAgentWebPage *UserAgentWebPage::create(QObject *parent)
 
 UserAgentWebPage::UserAgentWebPage(QObject *parent)
     : QWebPage(parent)
+    , isLeaving(false)
 {
+}
+
+void UserAgentWebPage::leaveDocument()
+{
+    if (isLeaving)
+        return;
+    isLeaving = true;
+    mainFrame()->setHtml(QString());
+    isLeaving = false;
 }
 
 QString UserAgentWebPage::userAgentForUrl(const QUrl &url) const
@@ -80,7 +91,7 @@ void UserAgentWebPage::javaScriptAlert(QWebFrame *frame, const QString &text)
 
 bool UserAgentWebPage::javaScriptConfirm(QWebFrame *frame, const QString &text)
 {
-    return QWebPage::javaScriptConfirm(frame, text.left(longestDialogText));
+    return isLeaving || QWebPage::javaScriptConfirm(frame, text.left(longestDialogText));
 }
 
 bool UserAgentWebPage::javaScriptPrompt(QWebFrame *frame, const QString &text, const QString &value, QString *result)

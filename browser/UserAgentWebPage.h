@@ -12,6 +12,10 @@ public:
     /// A page with its network access. The parent becomes that of both.
     static UserAgentWebPage *create(QObject *parent);
 
+    /// Ends the document as the engine does when a page goes to another one by itself: it hears of beforeunload,
+    /// pagehide and unload. What it answers keeps nobody here, and nobody is asked.
+    void leaveDocument();
+
     bool event(QEvent *event) override;
     void triggerAction(WebAction action, bool checked = false) override;
 
@@ -24,4 +28,6 @@ protected:
 
 private:
     explicit UserAgentWebPage(QObject *parent);
+
+    bool isLeaving;
 };

@@ -64,6 +64,8 @@ private slots:
     void closingItChangesNothing();
     void aFailingAddressIsNotTriedAgain();
     void nothingIsDumpedAfterGo();
+    void noErrorPageComesAfterGo_data();
+    void noErrorPageComesAfterGo();
     void f1LeavesWhileItIsOpen();
 
 private:
@@ -177,6 +179,34 @@ void TestAddressDialog::nothingIsDumpedAfterGo()
     QCOMPARE(plugin.browser()->title(), QString("Second"));
     QVERIFY(!QFile::exists("/tmp/page.html"));
     level.remove();
+}
+
+void TestAddressDialog::noErrorPageComesAfterGo_data()
+{
+    QTest::addColumn<bool>("answers");
+
+    QTest::newRow("a page that arrives") << true;
+    QTest::newRow("a page that stops on the way") << false;
+}
+
+void TestAddressDialog::noErrorPageComesAfterGo()
+{
+    QFETCH(bool, answers);
+    HttpServer server;
+    HttpServer::Page page = {QByteArray(10000, ' ') + "<title>Portal</title>"};
+    if (!answers)
+        page.stallAt = 8000;
+    server.serve("/", page);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QTRY_COMPARE(plugin.browser()->title(), QString("First"));
+    const StreamCapture output(std::cout);
+
+    withDialog(plugin, [&server](QDialog *dialog) { enterAddress(dialog, server.url()); });
+    QTRY_COMPARE(server.requests().size(), 1);
+    QTest::qWait(6000); // longer than a home page may make no progress
+    QCOMPARE(m_server.requestsFor("/error").size(), 0);
+    QCOMPARE(plugin.browser()->url(), server.url());
 }
 
 void TestAddressDialog::f1LeavesWhileItIsOpen()
