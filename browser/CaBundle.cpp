@@ -3,54 +3,63 @@
 
 #include "browser/CaBundle.h"
 
+#include "browser/PageScript.h"
 #include "common/other/plainfile.h"
+#include "common/other/qtcompat.h"
 
-#include <QSslCertificate>
 #include <QSslSocket>
+#include <QThread>
+#include <QTimer>
+#include <QWebFrame>
+#include <QWebPage>
 
 #include <malloc.h>
 
 namespace {
 
 const char path[] = "/etc/ssl/certs/ca-bundle.crt";
-const int interval = 1000; // ms
+const int longestDelay = 1000; // ms, for a first page that does not come
 
 } // namespace
 
-CaBundle::CaBundle(QObject *parent)
-    : QThread(parent)
-    , timer(startTimer(interval))
-    , isBegun(false)
+class CaBundle::Reader : public QThread
 {
+public:
+    explicit Reader(QObject *parent)
+        : QThread(parent)
+    {
+    }
+    ~Reader() override { wait(); }
+
+    QList<QSslCertificate> certificates;
+
+protected:
+    void run() override
+    {
+        Common::PlainFile bundle((QLatin1String(path)));
+        bundle.open(QIODevice::ReadOnly); // an unopened file has no certificates
+        certificates = QSslCertificate::fromDevice(&bundle);
+    }
+};
+
+CaBundle::CaBundle(QObject *parent)
+    : QObject(parent)
+    , reader(new Reader(this))
+    , former(QSslSocket::defaultCaCertificates())
+    , isBegun(false)
+    , isInUse(false)
+{
+    if (!QtCompat::readsCertificatesSlowly) {
+        require();
+        return;
+    }
+    connect(reader, SIGNAL(finished()), SLOT(require()));
+    QTimer::singleShot(longestDelay, this, SLOT(begin()));
 }
 
 CaBundle::~CaBundle()
 {
-    wait();
-}
-
-void CaBundle::require()
-{
-    begin();
-    wait();
-}
-
-void CaBundle::run()
-{
-    Common::PlainFile bundle((QLatin1String(path)));
-    bundle.open(QIODevice::ReadOnly); // an unopened file has no certificates
-    QSslSocket::setDefaultCaCertificates(QSslCertificate::fromDevice(&bundle));
-}
-
-void CaBundle::timerEvent(QTimerEvent *)
-{
-    if (!isBegun) {
-        begin();
-    } else if (isFinished()) {
-        killTimer(timer);
-        // What reading them needed would stay in the heap, nearly a megabyte.
-        malloc_trim(0);
-    }
+    require();
 }
 
 void CaBundle::begin()
@@ -58,5 +67,41 @@ void CaBundle::begin()
     if (isBegun)
         return;
     isBegun = true;
-    start();
+    reader->start();
+}
+
+void CaBundle::require()
+{
+    if (isInUse)
+        return;
+    isInUse = true;
+    begin();
+    reader->wait();
+    // A list that nobody has replaced is still the same one.
+    if (QSslSocket::defaultCaCertificates().constBegin() == former.constBegin())
+        QSslSocket::setDefaultCaCertificates(reader->certificates);
+    // What reading them needed would stay in the heap, nearly a megabyte.
+    malloc_trim(0);
+}
+
+void CaBundle::watchSockets(QWebPage *page)
+{
+    if (isInUse)
+        return;
+    watchSocketsOf(page->mainFrame());
+    connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watchSocketsOf(QWebFrame *)));
+}
+
+void CaBundle::watchSocketsOf(QWebFrame *frame)
+{
+    connect(frame, SIGNAL(javaScriptWindowObjectCleared()), SLOT(addToFrame()));
+}
+
+void CaBundle::addToFrame()
+{
+    if (isInUse)
+        return;
+    QWebFrame *const frame = static_cast<QWebFrame *>(sender());
+    frame->addToJavaScriptWindowObject(QLatin1String("certificates"), this);
+    runPageScript(frame, "sockets");
 }

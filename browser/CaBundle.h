@@ -3,27 +3,42 @@
 
 #pragma once
 
-#include <QThread>
+#include <QList>
+#include <QObject>
+#include <QSslCertificate>
+
+class QWebFrame;
+class QWebPage;
 
 /// Makes the certificates of the box those that servers are checked against by default. Reading them takes as long as
-/// all else until a first page is shown, so this has a thread of its own and, unless somebody needs them at once,
-/// begins when that page is there.
-class CaBundle : public QThread
+/// all else until a first page is shown, so a thread does it once that page is there, and who needs them earlier waits.
+/// Certificates that the launcher makes the default ones meanwhile stay.
+class CaBundle : public QObject
 {
+    Q_OBJECT
+
 public:
     explicit CaBundle(QObject *parent);
+    /// They are in use then.
     ~CaBundle() override;
 
-    /// Returns when the certificates are in use.
+    /// Has the page and its frames wait before they open a secure WebSocket: the engine asks nobody for that.
+    void watchSockets(QWebPage *page);
+
+public slots:
+    void begin();
+    /// Returns when they are in use.
     void require();
 
-protected:
-    void run() override;
-    void timerEvent(QTimerEvent *event) override;
+private slots:
+    void watchSocketsOf(QWebFrame *frame);
+    void addToFrame();
 
 private:
-    void begin();
+    class Reader;
 
-    const int timer; ///< until the thread has ended
+    Reader *const reader;
+    const QList<QSslCertificate> former;
     bool isBegun;
+    bool isInUse;
 };

@@ -4,6 +4,7 @@
 #include "browser/KavroStbBrowser.h"
 
 #include "browser/AddressDialog.h"
+#include "browser/CaBundle.h"
 #include "browser/FrameProtection.h"
 #include "browser/PageLoader.h"
 #include "browser/ScriptObjects.h"
@@ -27,17 +28,19 @@
 
 KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     : QWebView(parent)
+    , bundle(new CaBundle(this))
     , traceFile(new TraceFile(this))
 {
     setUpWebSettings();
     addShortcuts();
     scriptObjects.reset(new ScriptObjects(this));
-    UserAgentWebPage *const portal = UserAgentWebPage::create(this);
+    UserAgentWebPage *const portal = UserAgentWebPage::create(this, bundle);
     setPage(portal);
     connectPage();
     loader.reset(new PageLoader(this, portal));
     connect(this, SIGNAL(loadFinished(bool)), SLOT(pageLoaded(bool)));
     connect(this, SIGNAL(loadProgress(int)), SLOT(onLoadProgress()));
+    bundle->connect(this, SIGNAL(loadFinished(bool)), SLOT(begin()));
     connect(scriptObjects->displayObject(), SIGNAL(keyDelayChanged(int)), SLOT(changeKeyDelay(int)));
     installEventFilter(this);
 }
@@ -68,6 +71,7 @@ void KavroStbBrowser::connectPage()
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
     FrameProtection::addTo(page());
+    bundle->watchSockets(page());
     connect(scriptObjects->mediaObject(), SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(scriptObjects->deprecatedMediaObject(), SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }

@@ -12,6 +12,7 @@
 
 #include <memory>
 
+class CaBundle;
 class PageLoader;
 class QNetworkReply;
 class ScriptObjects;
@@ -58,6 +59,7 @@ private:
     void addShortcuts();
     void connectPage();
 
+    CaBundle *bundle;
     // They end with the slots, before the view does: its last page may still run scripts, and wait in them.
     std::unique_ptr<TraceFile> traceFile;
     std::unique_ptr<ScriptObjects> scriptObjects;

@@ -14,7 +14,7 @@ class StbWebNam : public QNetworkAccessManager
     Q_OBJECT
 
 public:
-    explicit StbWebNam(QObject *parent);
+    StbWebNam(QObject *parent, CaBundle *bundle);
 
 protected:
     QNetworkReply *createRequest(Operation op, const QNetworkRequest &request, QIODevice *outgoingData) override;

@@ -22,7 +22,7 @@ void reportIgnored()
 
 } // namespace
 
-UserAgentWebPage *UserAgentWebPage::create(QObject *parent)
+UserAgentWebPage *UserAgentWebPage::create(QObject *parent, CaBundle *bundle)
 {
     // The engine decides where a page's storage is kept when it makes the page, before the page can switch it on.
     QWebSettings *settings = QWebSettings::globalSettings();
@@ -30,7 +30,7 @@ UserAgentWebPage *UserAgentWebPage::create(QObject *parent)
     settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
     UserAgentWebPage *page = new UserAgentWebPage(parent);
     settings->setLocalStoragePath(storagePath);
-    page->setNetworkAccessManager(new StbWebNam(parent));
+    page->setNetworkAccessManager(new StbWebNam(parent, bundle));
     return page;
 }
 

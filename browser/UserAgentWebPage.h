@@ -5,12 +5,14 @@
 
 #include <QWebPage>
 
+class CaBundle;
+
 /// The page: tells servers which box they talk to, goes neither back nor forward, and opens no endless dialogs.
 class UserAgentWebPage : public QWebPage
 {
 public:
-    /// A page with its network access. The parent becomes that of both.
-    static UserAgentWebPage *create(QObject *parent);
+    /// A page with its network access, for which the certificates are. The parent becomes that of both.
+    static UserAgentWebPage *create(QObject *parent, CaBundle *bundle);
 
     /// Ends the document as the engine does when a page goes to another one by itself: it hears of beforeunload,
     /// pagehide and unload. What it answers keeps nobody here, and nobody is asked.

@@ -7,6 +7,7 @@
 
 #include <QMetaObject>
 #include <QMetaType>
+#include <QNetworkRequest>
 #include <QSslConfiguration>
 #include <QTimer>
 #include <QtPlugin>
@@ -32,6 +33,9 @@ namespace QtCompat {
 /// That of Qt 4 can take it.
 const bool engineNeedsProtection = QT_VERSION >= 0x050000;
 
+/// Whether reading a list of certificates takes as long as showing a page.
+const bool readsCertificatesSlowly = QT_VERSION >= 0x050000;
+
 /// Makes a copy of a class's meta-object that of a class derived from another one; from none, without it.
 inline void setSuperClass(QMetaObject &metaObject, const QMetaObject *superClass)
 {
@@ -47,6 +51,17 @@ inline void setTls10(QSslConfiguration &configuration)
     configuration.setBackendConfigurationOption("CipherString", QByteArray("DEFAULT@SECLEVEL=0"));
 #else
     configuration.setProtocol(QSsl::TlsV1);
+#endif
+}
+
+/// Whether who makes the request waits for its end inside createRequest.
+inline bool isSynchronous(const QNetworkRequest &request)
+{
+#if QT_VERSION >= 0x050000
+    return request.attribute(QNetworkRequest::SynchronousRequestAttribute).toBool();
+#else
+    Q_UNUSED(request)
+    return false;
 #endif
 }
 

@@ -220,6 +220,8 @@ void TestInBox::aNewBoxHasWorkingDefaults()
     QVERIFY(contentOf(m_box + errorPage).contains("<html"));
 
     const QByteArray bundle = contentOf("/etc/ssl/certs/ca-certificates.crt");
+    QCOMPARE(runScript("cat /etc/ssl/certs/00000000.0"), bundle.isEmpty() ? 1 : 0);
+    QCOMPARE(m_inBox->output(), bundle);
     QCOMPARE(runScript("cat /etc/ssl/certs/ca-bundle.crt"), bundle.isEmpty() ? 1 : 0);
     QCOMPARE(m_inBox->output(), bundle);
 }

@@ -1,12 +1,12 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "tests/support/DefaultCertificates.h"
 #include "tests/support/HostedPlugin.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/MessageLog.h"
 
 #include <QNetworkAccessManager>
-#include <QSslConfiguration>
 #include <QWebFrame>
 #include <QWebHistory>
 #include <QWebView>
@@ -14,6 +14,7 @@
 
 namespace {
 
+const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
 const char *const ignored = "Ignore back/fwd action";
 
 int requestLines(const MessageLog &log)
@@ -46,6 +47,8 @@ private slots:
     void pagesFromTheNetAreLocal_data();
     void pagesFromTheNetAreLocal();
     void theCertificatesAreThoseOfTheBox();
+    void aBrowserThatEndsEarlyLeavesThoseOfTheBox();
+    void theCertificatesOfTheLauncherStay();
     void historyDoesNotChangeThePage_data();
     void historyDoesNotChangeThePage();
     void actionsAreIgnoredWithNowhereToGoToo();
@@ -176,14 +179,13 @@ void TestNetwork::pagesFromTheNetAreLocal()
 
 void TestNetwork::theCertificatesAreThoseOfTheBox()
 {
-    const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
     const QList<QSslCertificate> all = QSslCertificate::fromPath(bundle);
     QVERIFY(!all.isEmpty());
     QFile::remove(bundle);
     {
         HostedPlugin plugin;
         QVERIFY(plugin.start());
-        QTRY_COMPARE(QSslConfiguration::defaultConfiguration().caCertificates(), QList<QSslCertificate>());
+        QTRY_COMPARE(defaultCertificates(), QList<QSslCertificate>());
     }
 
     QFile file(bundle);
@@ -192,8 +194,35 @@ void TestNetwork::theCertificatesAreThoseOfTheBox()
     file.close();
     HostedPlugin plugin;
     QVERIFY(plugin.start());
-    QTRY_COMPARE(QSslConfiguration::defaultConfiguration().caCertificates(),
-                 QList<QSslCertificate>({all.first(), all.last()}));
+    QTRY_COMPARE(defaultCertificates(), QList<QSslCertificate>({all.first(), all.last()}));
+}
+
+void TestNetwork::aBrowserThatEndsEarlyLeavesThoseOfTheBox()
+{
+    const QList<QSslCertificate> all = QSslCertificate::fromPath(bundle);
+    QVERIFY(!all.isEmpty());
+    setDefaultCertificates({});
+    HttpServer silent;
+    silent.fallSilent(); // for a page that is there they would be read
+    PluginManifest manifest;
+    manifest.homePage = silent.url().toString();
+    HostedPlugin::writeManifest(manifest);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    plugin.destroy();
+    QCOMPARE(defaultCertificates(), all);
+}
+
+void TestNetwork::theCertificatesOfTheLauncherStay()
+{
+    const QList<QSslCertificate> all = QSslCertificate::fromPath(bundle);
+    QVERIFY(all.size() > 1);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    setDefaultCertificates({all.last()});
+    QVERIFY(plugin.load(m_server.url("/first")));
+    plugin.destroy(); // at the latest now all of the box would be read
+    QCOMPARE(defaultCertificates(), QList<QSslCertificate>({all.last()}));
 }
 
 void TestNetwork::historyDoesNotChangeThePage_data()

@@ -53,6 +53,12 @@ public:
             return socket.waitForConnected(100);
         });
     }
+    /// Whether a client has come so far as to ask for the page.
+    bool isAsked()
+    {
+        m_output += m_process.readAll();
+        return m_output.contains("FILE:page");
+    }
     QUrl url() const { return QUrl(QString("https://127.0.0.1:%1/page").arg(m_port)); }
 
 private:
@@ -66,4 +72,5 @@ private:
 
     quint16 m_port = freePort();
     QProcess m_process;
+    QByteArray m_output;
 };
