@@ -20,6 +20,8 @@
 #include <QWebPage>
 #include <QWebSettings>
 
+#include <cstdlib>
+
 namespace {
 
 const char defaultPluginDir[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
@@ -40,10 +42,17 @@ void setBrush(QWidget *widget, QPalette::ColorRole role, const QColor &color)
 
 // Without this the engine calls the last function of a strict one in its place, and crashes if that happens twice in a
 // row and the second one throws: Function.prototype.call.bind(Function.prototype.apply)(Map) in a loop is enough.
+// It reads the environment once; the launcher's programs are to have theirs as it was.
 void setUpEngine()
 {
-    qputenv("JSC_useTailCalls", "0");
+    const char variable[] = "JSC_useTailCalls";
+    const QByteArray former = qgetenv(variable);
+    qputenv(variable, "0");
     QWebSettings::globalSettings();
+    if (former.isNull())
+        unsetenv(variable);
+    else
+        qputenv(variable, former);
 }
 
 // A picture that the manifest names.
@@ -139,7 +148,7 @@ void PluginWrapper::setFullPath(const QString &path)
 
 void PluginWrapper::runApplication()
 {
-    if (running)
+    if (browser) // also while it is being deleted, when running is false
         return;
     connect(this, SIGNAL(resize(QSize)), SLOT(doFixedSize(QSize)));
     BoxScreen::takeOver();
@@ -243,6 +252,7 @@ void PluginWrapper::teardown()
 {
     QWebSettings::globalSettings()->setAttribute(QWebSettings::LocalStorageEnabled, false);
     running = false;
+    shuttingDown = true; // the launcher need not be told any more
     browser->hide();
     inspector->hide();
     emit resize(BoxScreen::size());

@@ -116,9 +116,13 @@ private slots:
     void destructionBeforeTheStartOnlyResetsTheGraphicsLayer_data();
     void destructionBeforeTheStartOnlyResetsTheGraphicsLayer();
     void destructionEndsEverything();
+    void aStartThatIsDueDuringDestructionIsNone();
+    void nobodyLeavesDuringDestruction();
     void pagesHearNothingOfDestruction_data();
     void pagesHearNothingOfDestruction();
     void itStartsAgainAfterDestruction();
+    void programsOfTheLauncherHaveItsEnvironment_data();
+    void programsOfTheLauncherHaveItsEnvironment();
 };
 
 void TestLifecycle::init()
@@ -590,6 +594,29 @@ void TestLifecycle::destructionEndsEverything()
     QVERIFY(!QWebSettings::globalSettings()->testAttribute(QWebSettings::LocalStorageEnabled));
 }
 
+void TestLifecycle::aStartThatIsDueDuringDestructionIsNone()
+{
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    plugin.application()->setFullPath(HostedPlugin::pluginDirectory());
+    QThread::msleep(50); // longer than it waits
+    RecordingPlatform::takeCalls();
+
+    plugin.destroy();
+    QVERIFY(!RecordingPlatform::takeCalls().contains("KVR_SetCurrentLayout(0)"));
+}
+
+void TestLifecycle::nobodyLeavesDuringDestruction()
+{
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    const QSignalSpy left(plugin.application(), &CStbApplication::exit);
+    QCoreApplication::postEvent(plugin.browser(), new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
+
+    plugin.destroy();
+    QCOMPARE(left.size(), 0);
+}
+
 void TestLifecycle::pagesHearNothingOfDestruction_data()
 {
     QTest::addColumn<QString>("listener");
@@ -624,6 +651,35 @@ void TestLifecycle::itStartsAgainAfterDestruction()
         QVERIFY(plugin.loadHtml("Portal"));
         QCOMPARE(plugin.evaluateToJson("typeof StbDisplay.ExitToMenu"), QString("\"function\""));
     }
+}
+
+void TestLifecycle::programsOfTheLauncherHaveItsEnvironment_data()
+{
+    QTest::addColumn<QByteArray>("value");
+
+    QTest::newRow("unset") << QByteArray();
+    QTest::newRow("set by the launcher") << QByteArray("1");
+}
+
+void TestLifecycle::programsOfTheLauncherHaveItsEnvironment()
+{
+    QFETCH(QByteArray, value);
+    const char variable[] = "JSC_useTailCalls"; // the plugin has the engine do without
+    const QByteArray former = qgetenv(variable);
+    if (value.isNull())
+        qunsetenv(variable);
+    else
+        qputenv(variable, value);
+    {
+        HostedPlugin plugin;
+        QVERIFY(plugin.start());
+        QCOMPARE(qgetenv(variable), value);
+        QCOMPARE(qEnvironmentVariableIsSet(variable), !value.isNull());
+    }
+    if (former.isNull())
+        qunsetenv(variable);
+    else
+        qputenv(variable, former);
 }
 
 QTEST_MAIN(TestLifecycle)
