@@ -20,6 +20,26 @@ namespace {
 const char path[] = "/etc/ssl/certs/ca-bundle.crt";
 const int longestDelay = 1000; // ms, for a first page that does not come
 
+// The TLS library ends with the process, whoever works with it then.
+class EndOfProcess
+{
+public:
+    ~EndOfProcess()
+    {
+        if (reader)
+            reader->wait();
+    }
+
+    QThread *reader = nullptr;
+};
+
+// Ends before that library does, which has been set up by its first use.
+EndOfProcess &endOfProcess()
+{
+    static EndOfProcess theOne;
+    return theOne;
+}
+
 } // namespace
 
 class CaBundle::Reader : public QThread
@@ -29,7 +49,12 @@ public:
         : QThread(parent)
     {
     }
-    ~Reader() override { wait(); }
+    ~Reader() override
+    {
+        wait();
+        if (endOfProcess().reader == this)
+            endOfProcess().reader = nullptr;
+    }
 
     QList<QSslCertificate> certificates;
 
@@ -67,6 +92,7 @@ void CaBundle::begin()
     if (isBegun)
         return;
     isBegun = true;
+    endOfProcess().reader = reader;
     reader->start();
 }
 

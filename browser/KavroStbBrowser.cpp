@@ -15,16 +15,31 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QPluginLoader>
 #include <QShortcut>
 #include <QSslError>
 #include <QWebFrame>
 #include <QWebSecurityOrigin>
 #include <QWebSettings>
 
-#include <cstdio>
 #include <cstdlib>
+
+#include <dlfcn.h>
+
+namespace {
+
+// At the end of the process the toolkit destroys the plugins that nobody holds, when the web engine is no more.
+void keepPlugin()
+{
+    Dl_info plugin;
+    if (dladdr(&KavroStbBrowser::staticMetaObject, &plugin) != 0)
+        new QPluginLoader(QFile::decodeName(plugin.dli_fname));
+}
+
+} // namespace
 
 KavroStbBrowser::KavroStbBrowser(QWidget *parent)
     : QWebView(parent)
@@ -103,9 +118,8 @@ void KavroStbBrowser::reloadPage()
 
 void KavroStbBrowser::closeBrowser()
 {
-    // At once: the ordinary way out would have the toolkit destroy the plugin after the web engine.
-    std::fflush(nullptr);
-    std::_Exit(0);
+    keepPlugin();
+    std::exit(0);
 }
 
 void KavroStbBrowser::newUrl()

@@ -34,6 +34,7 @@ int closedBrowser()
     HostedPlugin::writeManifest(PluginManifest());
     HostedPlugin plugin;
     plugin.start();
+    std::atexit([] { std::printf("a library's end\n"); });
     std::printf("written before\n");
     QMetaObject::invokeMethod(plugin.browser(), "closeBrowser");
     return stillThere;
@@ -165,7 +166,7 @@ void TestPageLoad::closingTheBrowserEndsTheProcess()
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardOutput(), QByteArray("written before\n"));
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("written before\na library's end\n"));
 }
 
 int main(int argc, char *argv[])
