@@ -80,10 +80,6 @@ void registerPlayerCallbacks(int id)
     KVR_RegisterEventHandler(id, KVR_EVENT_ZOOM, zoomcb);
     KVR_RegisterEventHandler(id, KVR_EVENT_MUTE, mutecb);
     KVR_RegisterEventHandler(id, KVR_EVENT_MULTICAST, multcb);
-}
-
-void registerTeletextCallbacks(int id)
-{
     KVR_RegisterEventHandler(id, KVR_EVENT_TELETEXT_PID, telxpidcb);
     KVR_RegisterEventHandler(id, KVR_EVENT_TELETEXT_PAGE, telxpagecb);
 }

@@ -21,9 +21,7 @@ int multcb(int id);
 int telxpidcb(int id);
 int telxpagecb(int id);
 
-/// Registers all but the teletext ones for a player.
+/// Registers all of them for a player.
 void registerPlayerCallbacks(int id);
-/// Registers the teletext ones for a player.
-void registerTeletextCallbacks(int id);
 
 } // namespace KavroJS

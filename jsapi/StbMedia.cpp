@@ -61,7 +61,6 @@ int StbMedia::CreatePlayer()
     const int id = KVR_CreatePlayer();
     if (id >= 0) {
         registerPlayerCallbacks(id);
-        registerTeletextCallbacks(id);
         players.insert(id);
     }
     // Also for a failure code: portals' traces have always shown these calls.

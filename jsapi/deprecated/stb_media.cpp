@@ -4,8 +4,8 @@
 #include "jsapi/deprecated/stb_media.h"
 
 #include "browser/bridge/JsApiTracer.h"
-#include "jsapi/PlayerCallbacks.h"
 #include "jsapi/StoragePath.h"
+#include "jsapi/deprecated/DeprecatedCallbacks.h"
 #include "jsapi/deprecated/JsonText.h"
 #include "platform/stbapi.h"
 
@@ -31,7 +31,7 @@ int stb_media::CreatePlayer()
     const int id = KVR_CreatePlayer();
     if (id < 0)
         return id;
-    KavroJS::registerPlayerCallbacks(id);
+    registerPlayerCallbacks(id);
     players.insert(id);
     return id;
 }

@@ -6,8 +6,12 @@
 
 #include "browser/bridge/EventNotifier.h"
 #include "jsapi/DisplayCallbacks.h"
+#include "jsapi/PlayerCallbacks.h"
 #include "jsapi/StbDisplay.h"
+#include "jsapi/StbMedia.h"
 #include "jsapi/StbPVR.h"
+#include "jsapi/deprecated/DeprecatedCallbacks.h"
+#include "jsapi/deprecated/stb_media.h"
 #include "shell/CStbApplication.h"
 
 #include <QSignalSpy>
@@ -20,7 +24,9 @@
 Q_DECLARE_METATYPE(KVR_EventHandler)
 
 using KavroJS::StbDisplay;
+using KavroJS::StbMedia;
 using KavroJS::StbPVR;
+using KavroJSDeprecated::stb_media;
 
 namespace {
 
@@ -49,6 +55,41 @@ struct BoxEvent
 
 const BoxEvent boxEvents[] = {
     {137, launcherSync, KavroJS::syncdonecb}, {143, launcherOutput, nullptr}, {144, launcherHdmi, KavroJS::hdmicb}};
+
+// In the place of the older object's callback is null where that object registers none.
+struct PlayerEvent
+{
+    const char *name;
+    int type;
+    KVR_EventHandler callback;
+    KVR_EventHandler older;
+};
+
+const PlayerEvent playerEvents[] = {
+    {"statcb", 1, KavroJS::statcb, KavroJSDeprecated::statcb},
+    {"metacb", 2, KavroJS::metacb, KavroJSDeprecated::metacb},
+    {"poscb", 3, KavroJS::poscb, KavroJSDeprecated::poscb},
+    {"audcb", 4, KavroJS::audcb, KavroJSDeprecated::audcb},
+    {"vidcb", 5, KavroJS::vidcb, KavroJSDeprecated::vidcb},
+    {"subcb", 6, KavroJS::subcb, KavroJSDeprecated::subcb},
+    {"volcb", 7, KavroJS::volcb, KavroJSDeprecated::volcb},
+    {"zoomcb", 8, KavroJS::zoomcb, KavroJSDeprecated::zoomcb},
+    {"mutecb", 9, KavroJS::mutecb, KavroJSDeprecated::mutecb},
+    {"multcb", 11, KavroJS::multcb, KavroJSDeprecated::multcb},
+    {"telxpidcb", 14, KavroJS::telxpidcb, nullptr},
+    {"telxpagecb", 15, KavroJS::telxpagecb, nullptr},
+};
+
+// What is registered for a player, by type.
+QMap<int, KVR_EventHandler> handlersOf(KVR_ID id)
+{
+    QMap<int, KVR_EventHandler> handlers;
+    for (int type = 0; type < 256; ++type) {
+        if (const KVR_EventHandler handler = KVR_GetEventHandler(id, type))
+            handlers[type] = handler;
+    }
+    return handlers;
+}
 
 void registerLauncher()
 {
@@ -79,8 +120,10 @@ private slots:
     void aSecondObjectGivesBackTheFirstOnesHandlers();
     void theSingleObjectIsMadeOnFirstUseAndAgainAfterItsEnd();
     void recordingsHaveTheirCallback();
+    void playersHaveTheCallbacksOfTheirObject();
     void callbacksTellTheirCodes_data();
     void callbacksTellTheirCodes();
+    void noTwoCallbacksAreTheSameFunction();
     void thePluginGivesBackWhatTheLauncherHad();
     void eventsOfTheBoxReachThePage();
 };
@@ -223,13 +266,36 @@ void TestEventHandlers::recordingsHaveTheirCallback()
     QCOMPARE(told.size(), 1);
 }
 
+void TestEventHandlers::playersHaveTheCallbacksOfTheirObject()
+{
+    QMap<int, KVR_EventHandler> expected;
+    QMap<int, KVR_EventHandler> expectedOlder;
+    for (const PlayerEvent &event : playerEvents) {
+        expected[event.type] = event.callback;
+        if (event.older)
+            expectedOlder[event.type] = event.older;
+    }
+    StbMedia *const media = StbMedia::instance();
+    stb_media older;
+    QVERIFY(handlersOf(media->CreatePlayer()) == expected);
+    QVERIFY(handlersOf(older.CreatePlayer()) == expectedOlder);
+    QVERIFY(handlersOf(media->CreatePlayer()) == expected);
+    StbMedia::destroyInstance();
+}
+
 void TestEventHandlers::callbacksTellTheirCodes_data()
 {
     QTest::addColumn<KVR_EventHandler>("callback");
     QTest::addColumn<int>("code");
+    for (const PlayerEvent &event : playerEvents) {
+        QTest::addRow("KavroJS::%s", event.name) << event.callback << event.type;
+        if (event.older)
+            QTest::addRow("KavroJSDeprecated::%s", event.name) << event.older << event.type;
+    }
     QTest::newRow("hdmicb") << KVR_EventHandler(KavroJS::hdmicb) << 144;
     QTest::newRow("syncdonecb") << KVR_EventHandler(KavroJS::syncdonecb) << 137;
-    QTest::newRow("outportcb") << KVR_EventHandler(KavroJS::outportcb) << 129;
+    QTest::newRow("KavroJS::outportcb") << KVR_EventHandler(KavroJS::outportcb) << 129;
+    QTest::newRow("KavroJSDeprecated::outportcb") << KVR_EventHandler(KavroJSDeprecated::outportcb) << 129;
     QTest::newRow("pvr_clbk") << KVR_EventHandler(KavroJS::pvr_clbk) << 139;
 }
 
@@ -243,6 +309,21 @@ void TestEventHandlers::callbacksTellTheirCodes()
         QCOMPARE(told.size(), 1);
         QCOMPARE(told.first(), QVariantList({argument, code}));
     }
+}
+
+// A platform library, and a technician who debugs one, tell by the address whose event it is.
+void TestEventHandlers::noTwoCallbacksAreTheSameFunction()
+{
+    QList<KVR_EventHandler> callbacks = {KavroJS::hdmicb, KavroJS::syncdonecb, KavroJS::outportcb, KavroJS::pvr_clbk,
+                                         KavroJSDeprecated::outportcb};
+    for (const PlayerEvent &event : playerEvents) {
+        callbacks += event.callback;
+        if (event.older)
+            callbacks += event.older;
+    }
+    QCOMPARE(callbacks.size(), 27);
+    for (const KVR_EventHandler callback : std::as_const(callbacks))
+        QCOMPARE(callbacks.count(callback), 1);
 }
 
 void TestEventHandlers::thePluginGivesBackWhatTheLauncherHad()
