@@ -5,7 +5,6 @@
 
 #include "jsapi/DeviceIdentity.h"
 #include "jsapi/FailureMap.h"
-#include "platform/stbapi.h"
 
 #include <QDebug>
 #include <QDir>
@@ -18,8 +17,8 @@ namespace {
 
 QString scriptDirectory()
 {
-    const QString model = DeviceIdentity::platformText(KVR_GetDeviceModel, "");
-    return QLatin1String(model.contains(QLatin1String("600")) ? "/usr/local/bin/custom/" : "/sdk/custom_scripts/");
+    const bool is600 = DeviceIdentity::model().contains(QLatin1String("600"));
+    return QLatin1String(is600 ? "/usr/local/bin/custom/" : "/sdk/custom_scripts/");
 }
 
 // The toolkit's own conversion, which ends at a NUL.

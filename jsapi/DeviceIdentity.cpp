@@ -21,6 +21,14 @@ QNetworkInterface wiredNetwork()
     return QNetworkInterface::interfaceFromName(QLatin1String("eth0"));
 }
 
+// Of a text that the platform has handed out; null if it has not.
+QString takenText(char *text)
+{
+    QString taken = QString::fromLatin1(text);
+    free(text);
+    return taken;
+}
+
 } // namespace
 
 QString DeviceIdentity::hardwareAddress()
@@ -43,12 +51,17 @@ QString DeviceIdentity::versionInFile()
     return QTextStream(&file).readLine(versionLength);
 }
 
+QString DeviceIdentity::model()
+{
+    char *text = nullptr;
+    KVR_GetDeviceModel(&text);
+    return takenText(text);
+}
+
 QString DeviceIdentity::platformText(TextQuery query, const char *fallback)
 {
     char *text = nullptr;
     if (query(&text) != KVR_OK || !text)
         return QString::fromLatin1(fallback);
-    QString answer = QString::fromLatin1(text);
-    free(text);
-    return answer;
+    return takenText(text);
 }

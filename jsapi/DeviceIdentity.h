@@ -16,6 +16,9 @@ QString ipAddress();
 /// Of its software, as a file of the box tells it; empty without one.
 QString versionInFile();
 
+/// The model, if the platform hands out a text at all, whatever its result; else empty.
+QString model();
+
 typedef int (*TextQuery)(char **text);
 
 /// The text that the platform hands out, or the fallback if it has none.

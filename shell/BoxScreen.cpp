@@ -3,11 +3,8 @@
 
 #include "shell/BoxScreen.h"
 
+#include "jsapi/DeviceIdentity.h"
 #include "platform/stbapi.h"
-
-#include <QString>
-
-#include <cstdlib>
 
 QSize BoxScreen::size()
 {
@@ -38,10 +35,5 @@ void BoxScreen::giveBack()
 
 bool BoxScreen::needsTranslucentWindow()
 {
-    char *model = nullptr;
-    if (KVR_GetDeviceModel(&model) != KVR_OK || !model)
-        return false;
-    const bool answer = QString::fromLatin1(model).contains(QLatin1String("MZ-600"), Qt::CaseInsensitive);
-    free(model);
-    return answer;
+    return DeviceIdentity::model().contains(QLatin1String("MZ-600"), Qt::CaseInsensitive);
 }

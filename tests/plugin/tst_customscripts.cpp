@@ -252,6 +252,10 @@ void TestCustomScripts::theModelChoosesTheDirectory_data()
     QTest::newRow("60 0") << Answer::text("MZ-60 0") << "sdk";
     QTest::newRow("empty") << Answer::text("") << "sdk";
     QTest::newRow("failure") << Answer(-1) << "sdk";
+    QTest::newRow("600 with a positive result") << Answer::text("600", 1) << "custom";
+    QTest::newRow("600 with a failure") << Answer::text("600", -127) << "custom";
+    QTest::newRow("no 600 with a positive result") << Answer::text("MZ-412", 1) << "sdk";
+    QTest::newRow("a result of 1 without a text") << Answer(1) << "sdk";
 }
 
 void TestCustomScripts::theModelChoosesTheDirectory()

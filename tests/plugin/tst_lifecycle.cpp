@@ -261,6 +261,10 @@ void TestLifecycle::onlyModelsWithThatNameAreTranslucent_data()
     QTest::newRow("another number") << QByteArray("MZ-412") << 0 << false;
     QTest::newRow("no hyphen") << QByteArray("MZ600") << 0 << false;
     QTest::newRow("empty") << QByteArray() << 0 << false;
+    // Whatever the platform says of it, a text is a text.
+    QTest::newRow("the name, with a positive result") << QByteArray("MZ-600") << 1 << true;
+    QTest::newRow("the name, with a failure") << QByteArray("MZ-600") << -127 << true;
+    QTest::newRow("another number, with a positive result") << QByteArray("MZ-412") << 1 << false;
 }
 
 void TestLifecycle::onlyModelsWithThatNameAreTranslucent()
