@@ -38,8 +38,9 @@ QString BootParameters::value(const QString &key)
         const QSize size = PluginConfigParser::instance()->currentResolution();
         return QString::fromLatin1("%1x%2").arg(size.width()).arg(size.height());
     }
-    // Not every box writes the buffer for a key that it does not know.
-    char buffer[256] = {};
+    // Not every box writes the buffer for a key that it does not know. It is then what was in it before: never cleared,
+    // and never anything but what a box has written.
+    static char buffer[256];
     KVR_GetBootParamValue(key.toUtf8().constData(), buffer);
     return PlatformRecords::fieldText(buffer, sizeof buffer);
 }

@@ -11,7 +11,7 @@ namespace BootParameters {
 /// Whether the parameter is the plugin's own resolution.
 bool isResolution(const QString &key);
 
-/// The value; empty if there is none.
+/// The value. Of a key for which the platform writes none, what it wrote last.
 QString value(const QString &key);
 
 /// Takes a resolution such as "1280x720", keeps it and tells the page by an event. False if the text is no resolution

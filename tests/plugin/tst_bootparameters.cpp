@@ -51,7 +51,8 @@ private slots:
 
     void valuesComeFromThePlatform_data();
     void valuesComeFromThePlatform();
-    void noBytesOfAnEarlierValueAreLeft();
+    void whatThePlatformDoesNotWriteStaysAsItWas_data();
+    void whatThePlatformDoesNotWriteStaysAsItWas();
     void thePlatformGetsFourKeysOnly_data();
     void thePlatformGetsFourKeysOnly();
     void thePlatformsRefusalIsTold_data();
@@ -117,7 +118,6 @@ void TestBootParameters::valuesComeFromThePlatform_data()
     QTest::newRow("empty value") << key << QByteArray("x") << Answer::buffer(QByteArray(1, '\0')) << "\"\"";
     QTest::newRow("a failure that stores a value")
         << key << QByteArray("x") << Answer::buffer(QByteArray("on\0", 3), -1) << "\"on\"";
-    QTest::newRow("a failure that stores nothing") << key << QByteArray("x") << Answer(-1) << "\"\"";
     QTest::newRow("Latin-1 value") << key << QByteArray("x") << Answer::buffer(QByteArray("\xe9\0", 2)) << "\"\u00e9\"";
     QTest::newRow("more after the NUL") << key << QByteArray("x") << Answer::buffer(QByteArray("on\0off\0", 7))
                                         << "\"on\"";
@@ -137,12 +137,35 @@ void TestBootParameters::valuesComeFromThePlatform()
     QCOMPARE(RecordingPlatform::takeCalls(), QByteArrayList({"KVR_GetBootParamValue(" + call + ")"}));
 }
 
-void TestBootParameters::noBytesOfAnEarlierValueAreLeft()
+void TestBootParameters::whatThePlatformDoesNotWriteStaysAsItWas_data()
 {
-    RecordingPlatform::answerOnce("KVR_GetBootParamValue", Answer::buffer(QByteArray(256, 'v')));
-    RecordingPlatform::answer("KVR_GetBootParamValue", -1);
-    QCOMPARE(run("StbDisplay.GetBootParamValue('a').length"), QString("256"));
-    QCOMPARE(run("StbDisplay.GetBootParamValue('b')"), QString("\"\""));
+    QTest::addColumn<Answer>("before");
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QString>("text");
+
+    const Answer full = Answer::buffer(QByteArray(256, 'v'));
+    const Answer on = Answer::buffer(QByteArray("on\0", 3));
+    const Answer empty = Answer::buffer(QByteArray(1, '\0'));
+    QTest::newRow("nothing is written") << on << Answer(0) << "on";
+    QTest::newRow("nothing is written, which fails") << on << Answer(-1) << "on";
+    QTest::newRow("nothing is written over 256 letters") << full << Answer(-1) << QString(256, 'v');
+    QTest::newRow("nothing is written over an empty text") << empty << Answer(-1) << "";
+    QTest::newRow("an empty text is written") << full << empty << "";
+    QTest::newRow("a text is written without a NUL") << full << Answer::buffer("on") << "on" + QString(254, 'v');
+}
+
+void TestBootParameters::whatThePlatformDoesNotWriteStaysAsItWas()
+{
+    QFETCH(const Answer, before);
+    QFETCH(const Answer, answer);
+    QFETCH(const QString, text);
+    for (const char *object : {"StbDisplay", "stb_display"}) {
+        const QString call = QString("%1.GetBootParamValue('%2')").arg(object);
+        RecordingPlatform::answerOnce("KVR_GetBootParamValue", before);
+        RecordingPlatform::answerOnce("KVR_GetBootParamValue", answer);
+        run(call.arg('a'));
+        QCOMPARE(run(call.arg('b')), '"' + text + '"');
+    }
 }
 
 void TestBootParameters::thePlatformGetsFourKeysOnly_data()
