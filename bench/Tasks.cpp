@@ -106,6 +106,20 @@ Values calls(const Setting &setting, const Work &work)
     return values;
 }
 
+// Milliseconds of closing a player, for each round.
+Values closings(const Setting &setting, const Work &work)
+{
+    const auto subject = opened(setting, work.page);
+    Values values;
+    for (int round = 0; round < work.rounds; ++round) {
+        const Clock::time_point start = Clock::now();
+        evaluate(*subject, "StbMedia.ClosePlayer(1)");
+        values += nanoseconds(Clock::now() - start) / 1e6;
+        setting.afterRound();
+    }
+    return values;
+}
+
 // Nanoseconds from another thread to the page, for each event.
 Values latencies(const Setting &setting, const Work &work)
 {
@@ -226,6 +240,7 @@ struct Task
 const Task tasks[] = {
     {"names", names},
     {"calls", calls},
+    {"closings", closings},
     {"latencies", latencies},
     {"bursts", bursts},
     {"memory-of-calls", memoryOfCalls},

@@ -1,7 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A call from the page of a slot that takes and gives a number.
+// A call from the page of a slot that takes and gives a number, and of one that writes a file.
 
 #include "ChannelListPage.h"
 #include "Child.h"
@@ -30,5 +30,11 @@ int main(int argc, char **argv)
     const Comparison comparison({"script call", "ns", 0}, {"plugin", "bare"}, 15, callTime);
     Table table("script", Comparison::columns());
     comparison.addRow(&table, "bare", Comparison::Limit{Comparison::Limit::RatioAtMost, 1.1});
+
+    const auto closingTime = [&](const QString &program) {
+        return Statistics::median(Child(program, {"closings", page, "25"}).values());
+    };
+    const Comparison closing({"closing a player on a slow disk", "ms", 2}, {"plugin", "bare"}, 5, closingTime);
+    closing.addRow(&table, "bare", Comparison::Limit{Comparison::Limit::DifferenceAtMost, 2});
     return table.finish();
 }

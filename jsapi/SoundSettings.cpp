@@ -12,15 +12,14 @@
 #include <QTemporaryFile>
 
 #include <cstdio>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <map>
 
 namespace {
 
 const char settingsPath[] = "/home/user/config/config_files/qtstbapi.conf";
-const char volumeKey[] = "volume/volumeValue";
-const char muteKey[] = "volume/mute";
+const char soundSection[] = "volume";
+const char volumeKey[] = "volumeValue";
+const char muteKey[] = "mute";
 
 // QSettings makes objects of any type and size of entries with escapes or of this type. Those of this file are numbers.
 // False if there is no file.
@@ -47,40 +46,59 @@ QVariant value(const char *key)
     QTemporaryFile copy;
     const bool isCopied = copy.open() && copy.write(entries) == entries.size() && copy.flush();
     const QString path = isCopied ? copy.fileName() : QString::fromLatin1(settingsPath);
-    return QSettings(path, QSettings::NativeFormat).value(QLatin1String(key), 0);
+    const QString name = QString::fromLatin1(soundSection) + QLatin1Char('/') + QLatin1String(key);
+    return QSettings(path, QSettings::NativeFormat).value(name, 0);
 }
 
-void bringToDisk(const QByteArray &path)
+// By section and key, in the order in which the toolkit writes them; the values as they stand in the file.
+using Entries = std::map<QByteArray, std::map<QByteArray, QByteArray>>;
+
+Entries fileEntries()
 {
-    const int file = open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (file >= 0) {
-        fsync(file);
-        close(file);
+    QByteArray text;
+    readPlainEntries(&text); // there may be none yet
+    Entries entries;
+    QByteArray section = "General"; // as the toolkit calls what stands in none
+    const QList<QByteArray> lines = text.replace('\r', '\n').split('\n');
+    for (const QByteArray &wholeLine : lines) {
+        const QByteArray line = wholeLine.trimmed();
+        const int sign = line.indexOf('=');
+        const int bracket = line.indexOf(']');
+        // A quotation mark that is not closed would take the next lines with it.
+        if (line.startsWith(';') || line.count('"') % 2 != 0)
+            continue;
+        if (line.startsWith('['))
+            section = line.mid(1, bracket < 0 ? -1 : bracket - 1).trimmed();
+        else if (sign > 0)
+            entries[section][line.left(sign).trimmed()] = line.mid(sign + 1).trimmed();
     }
+    return entries;
 }
 
-// A new file takes the old one's place in one step, so that a kill at any moment leaves the one or the other whole.
+bool write(const QString &path, const Entries &entries)
+{
+    QByteArray text;
+    for (const auto &[section, values] : entries) {
+        text += QByteArray(text.isEmpty() ? "[" : "\n[") + section + QByteArray("]\n");
+        for (const auto &[key, value] : values)
+            text += key + '=' + value + '\n';
+    }
+    Common::PlainFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush();
+}
+
+// A new file takes the old one's place in one step, so that a kill at any moment leaves the one or the other whole. The
+// toolkit's own way would wait for the disk, and the page with it.
 void setValue(const char *key, int value)
 {
     const QString path = QLatin1String(settingsPath);
     const QString newPath = path + QLatin1String(".new");
     QDir().mkpath(QFileInfo(path).path());
-    const QString lockPath = newPath + QLatin1String(".lock");
     QFile::remove(newPath);
-    // Left behind by a kill, it would be waited for, if the process that made it had the same number as this one.
-    QFile::remove(lockPath);
-    if (QFile::exists(lockPath))
-        return;
-    QByteArray entries;
-    readPlainEntries(&entries); // there may be none yet
-    Common::PlainFile copy(newPath);
-    if (!copy.open(QIODevice::WriteOnly) || copy.write(entries) != entries.size() || !copy.flush())
-        return;
-    copy.close();
-    QSettings(newPath, QSettings::NativeFormat).setValue(QLatin1String(key), value);
-    bringToDisk(QFile::encodeName(newPath));
-    rename(QFile::encodeName(newPath).constData(), settingsPath);
-    bringToDisk(QFile::encodeName(QFileInfo(path).path()));
+    Entries entries = fileEntries();
+    entries[soundSection][key] = QByteArray::number(value);
+    if (!write(newPath, entries) || rename(QFile::encodeName(newPath).constData(), settingsPath) != 0)
+        QFile::remove(newPath);
 }
 
 } // namespace

@@ -11,11 +11,16 @@
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest>
+#include <atomic>
 #include <climits>
 #include <memory>
+
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
+
+std::atomic<int> syncs = 0; // in any thread
 
 const char *const settingsDirectory = "/home/user/config/config_files";
 const char *const settingsFile = "/home/user/config/config_files/qtstbapi.conf";
@@ -52,6 +57,11 @@ QString soundOfANewPlayer(ScriptSession *session)
     return match.captured(1) + ", " + match.captured(2);
 }
 
+QStringList savedFiles()
+{
+    return QDir(settingsDirectory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
 // What this program does when it is its own child.
 int saveUntilKilled()
 {
@@ -65,6 +75,36 @@ int saveUntilKilled()
 }
 
 } // namespace
+
+// In place of the C library's, which may take a disk's time.
+extern "C" Q_DECL_EXPORT int fsync(int)
+{
+    ++syncs;
+    return 0;
+}
+
+extern "C" Q_DECL_EXPORT int fdatasync(int)
+{
+    ++syncs;
+    return 0;
+}
+
+extern "C" Q_DECL_EXPORT void sync() noexcept
+{
+    ++syncs;
+}
+
+extern "C" Q_DECL_EXPORT int syncfs(int) noexcept
+{
+    ++syncs;
+    return 0;
+}
+
+extern "C" Q_DECL_EXPORT int sync_file_range(int, off64_t, off64_t, unsigned int)
+{
+    ++syncs;
+    return 0;
+}
 
 // Volume and mute on their way from one player to the next, through a file that survives everything.
 class TestSoundSettings : public QObject
@@ -82,7 +122,14 @@ private slots:
     void theFileHoldsWhatThePlatformSaid();
     void theSoundOfAClosedPlayerGoesToTheNext();
     void eachNewPlayerSeesTheLatestSound();
+    void otherEntriesStay_data();
+    void otherEntriesStay();
+    void noCallWaitsForTheDisk_data();
+    void noCallWaitsForTheDisk();
+    void theEndOfThePlayersDoesNotWaitForTheDiskEither();
     void whatCannotBeWrittenIsNotReported();
+    void aFullDiskLosesNothing_data();
+    void aFullDiskLosesNothing();
     void anOddFileIsSilence_data();
     void anOddFileIsSilence();
     void noRoomForTemporaryFilesIsNoSilence_data();
@@ -176,8 +223,7 @@ void TestSoundSettings::theFileHoldsWhatThePlatformSaid()
     QFETCH(int, mute);
     closeAPlayer(m_session.get(), volume, mute);
     QCOMPARE(QString(content(settingsFile)), QString("[volume]\nmute=%1\nvolumeValue=%2\n").arg(mute).arg(volume));
-    QCOMPARE(QDir(settingsDirectory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList("qtstbapi.conf"));
+    QCOMPARE(savedFiles(), QStringList("qtstbapi.conf"));
     QTEST(soundOfANewPlayer(m_session.get()), "nextSound");
 }
 
@@ -208,6 +254,79 @@ void TestSoundSettings::eachNewPlayerSeesTheLatestSound()
     }
 }
 
+void TestSoundSettings::otherEntriesStay_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    const QByteArray sound = "[volume]\nmute=1\nvolumeValue=41\n";
+    const auto row = [](const char *name, const QByteArray &before, const QByteArray &after) {
+        QTest::newRow(name) << before << after;
+    };
+    row("no others", "[volume]\nmute=0\nvolumeValue=35\n", sound);
+    row("of the section", "[volume]\nzoom=2\nvolumeValue=35\n", "[volume]\nmute=1\nvolumeValue=41\nzoom=2\n");
+    row("of other sections", "[a]\nx=1\n\n[volume]\nmute=0\n\n[z]\ny=2\n", "[a]\nx=1\n\n" + sound + "\n[z]\ny=2\n");
+    row("of no section", "x=1\nmute=0\n", "[General]\nmute=0\nx=1\n\n" + sound);
+    row("of the same name", "[z]\nmute=0\nvolumeValue=35\n", sound + "\n[z]\nmute=0\nvolumeValue=35\n");
+    row("texts and lists", "[z]\na=\"x; y\"\nb=1, 2, \"3\"\nc=\nd=@ByteArray(x=y)\n",
+        sound + "\n[z]\na=\"x; y\"\nb=1, 2, \"3\"\nc=\nd=@ByteArray(x=y)\n");
+    row("a section in two places", "[z]\nx=1\n[volume]\nmute=0\n[z]\nx=2\ny=3\n[volume]\nmute=0\n",
+        sound + "\n[z]\nx=2\ny=3\n");
+    row("spaces, comments and lines of another system",
+        "; sound\r\n [volume] \r\n volumeValue = 35 \r\n[ z ]\r\n x = 1\r\n", sound + "\n[z]\nx=1\n");
+    row("lines of an old system", "[volume]\rvolumeValue=35\r[z]\rx=1\r", sound + "\n[z]\nx=1\n");
+    row("another name for the same", "[%76olume]\nm%75te=0\n[volume]\nm%75te=0\n[General]\nvolume/mute=0\n",
+        "[%76olume]\nm%75te=0\n\n[General]\nvolume/mute=0\n\n[volume]\nm%75te=0\nmute=1\nvolumeValue=41\n");
+    // What would take the next lines with it is no entry.
+    row("an open quotation mark", "[a]\nx=\"1\ny=2\n[volume]\nmute=0\n", "[a]\ny=2\n\n" + sound);
+    row("an open bracket", "[volume\nmute=0\n[z\nx=1\n", sound + "\n[z]\nx=1\n");
+    row("no entries", "x\n=\n=1\n;x=1\n[volume]\n", sound);
+}
+
+void TestSoundSettings::otherEntriesStay()
+{
+    QFETCH(QByteArray, before);
+    QVERIFY(write(settingsFile, before));
+    closeAPlayer(m_session.get(), 41, 1);
+    QTEST(content(settingsFile), "after");
+    QCOMPARE(soundOfANewPlayer(m_session.get()), QString("41, 1"));
+}
+
+void TestSoundSettings::noCallWaitsForTheDisk_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("answer");
+    for (const char *object : {"StbMedia", "stb_media"}) {
+        QTest::addRow("a new player of %s", object) << QString("%1.CreatePlayer()").arg(object) << 3;
+        QTest::addRow("a player of %s", object) << QString("%1.ClosePlayer(1)").arg(object) << 0;
+        QTest::addRow("an unknown player of %s", object) << QString("%1.ClosePlayer(77)").arg(object) << -127;
+    }
+}
+
+void TestSoundSettings::noCallWaitsForTheDisk()
+{
+    QFETCH(QString, call);
+    QFETCH(int, answer);
+    for (const char *function : {"KVR_CreatePlayer", "KVR_ClosePlayer", "KVR_GetVolume", "KVR_IsMute"})
+        RecordingPlatform::answer(function, answer);
+    // The file is new first, and then there is one.
+    for (int i = 0; i < 2; ++i) {
+        syncs = 0;
+        QCOMPARE(m_session->run(call).result, QString::number(answer));
+        QCOMPARE(syncs.load(), 0);
+    }
+    QCOMPARE(savedFiles(), call.startsWith("StbMedia.Close") ? QStringList("qtstbapi.conf") : QStringList());
+}
+
+void TestSoundSettings::theEndOfThePlayersDoesNotWaitForTheDiskEither()
+{
+    m_session->run("StbMedia.CreatePlayer(); StbMedia.CreatePlayer(); stb_media.CreatePlayer()");
+    RecordingPlatform::answer("KVR_GetVolume", 35);
+    syncs = 0;
+    m_session.reset();
+    QCOMPARE(syncs.load(), 0);
+    QCOMPARE(content(settingsFile), QByteArray("[volume]\nmute=0\nvolumeValue=35\n"));
+}
+
 void TestSoundSettings::whatCannotBeWrittenIsNotReported()
 {
     QVERIFY(write(settingsDirectory, "a file in the directory's place"));
@@ -218,6 +337,31 @@ void TestSoundSettings::whatCannotBeWrittenIsNotReported()
     QCOMPARE(outcome.messages, QStringList());
     QCOMPARE(outcome.warnings, QStringList());
     QCOMPARE(soundOfANewPlayer(m_session.get()), QString("0, 0"));
+}
+
+void TestSoundSettings::aFullDiskLosesNothing_data()
+{
+    QTest::addColumn<int>("room");
+    for (const int room : {0, 1, 10, 20, 37})
+        QTest::addRow("room for %d bytes", room) << room;
+}
+
+void TestSoundSettings::aFullDiskLosesNothing()
+{
+    QFETCH(int, room);
+    const QByteArray before = "[volume]\nmute=1\nvolumeValue=1234567890\n";
+    QCOMPARE(before.size(), 39);
+    QVERIFY(write(settingsFile, before));
+    {
+        const FileSizeLimit limit(static_cast<rlim_t>(room));
+        closeAPlayer(m_session.get(), 2123456789, 1);
+    }
+    QCOMPARE(content(settingsFile), before);
+    QCOMPARE(savedFiles(), QStringList("qtstbapi.conf"));
+    QCOMPARE(soundOfANewPlayer(m_session.get()), QString("1234567890, 1"));
+    // With room again it goes on.
+    closeAPlayer(m_session.get(), 2123456789, 0);
+    QCOMPARE(soundOfANewPlayer(m_session.get()), QString("2123456789, 0"));
 }
 
 void TestSoundSettings::anOddFileIsSilence_data()
