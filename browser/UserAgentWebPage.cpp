@@ -96,5 +96,10 @@ bool UserAgentWebPage::javaScriptConfirm(QWebFrame *frame, const QString &text)
 
 bool UserAgentWebPage::javaScriptPrompt(QWebFrame *frame, const QString &text, const QString &value, QString *result)
 {
-    return QWebPage::javaScriptPrompt(frame, text.left(longestDialogText), value.left(longestDialogText), result);
+    const QString shown = value.left(longestDialogText);
+    const bool isAnswered = QWebPage::javaScriptPrompt(frame, text.left(longestDialogText), shown, result);
+    // Who has changed nothing means the whole of it.
+    if (isAnswered && *result == shown)
+        *result = value;
+    return isAnswered;
 }
