@@ -10,6 +10,7 @@
 PageEvents::PageEvents(QWebFrame *frame, const QString &mediaName, QObject *parent)
     : QObject(parent)
     , m_frame(frame)
+    , m_isWhole(false)
 {
     frame->addToJavaScriptWindowObject(mediaName, this);
     runPageScript(frame, "events");
@@ -23,4 +24,16 @@ void PageEvents::addSetter()
 void PageEvents::deliver(int argument, int code)
 {
     emit occurred(argument, code);
+}
+
+bool PageEvents::isWhole(const QString &text)
+{
+    m_isWhole = true;
+    emit shown(text);
+    return m_isWhole;
+}
+
+void PageEvents::refuse()
+{
+    m_isWhole = false;
 }

@@ -22,10 +22,17 @@ public:
     void addSetter();
     /// Calls the page's eventCallback, if it has one.
     void deliver(int argument, int code);
+    /// Whether a text is a whole script, not one that waits for more.
+    bool isWhole(const QString &text);
+
+public slots:
+    void refuse();
 
 signals:
     void occurred(int argument, int code);
+    void shown(const QString &text);
 
 private:
     QWebFrame *m_frame;
+    bool m_isWhole;
 };

@@ -121,8 +121,16 @@ void ScriptObjects::addGuards(QWebFrame *frame)
 
 void ScriptObjects::setJsCallback(const QString &code)
 {
-    // The engine converts the value of a script, which must not be one that crashes it.
-    jsCallbackCode = code.isEmpty() ? code : code + QLatin1String("\n;0");
+    jsCallbackCode = code;
+    scriptToRun.clear();
+}
+
+// The engine converts the value of a script, which must not be one that crashes it. A text that is not whole has none,
+// and what follows would complete it.
+QString ScriptObjects::withoutValue(const QString &code)
+{
+    const bool hasValue = QtCompat::engineNeedsProtection && (!pageEvents || pageEvents->isWhole(code));
+    return hasValue ? code + QLatin1String("\n;0") : code;
 }
 
 void ScriptObjects::deliver(int argument, int code, QWebFrame *frame)
@@ -133,6 +141,9 @@ void ScriptObjects::deliver(int argument, int code, QWebFrame *frame)
 
     if (pageEvents)
         pageEvents->deliver(argument, code);
-    if (!jsCallbackCode.isEmpty())
-        frame->evaluateJavaScript(jsCallbackCode);
+    if (jsCallbackCode.isEmpty())
+        return;
+    if (scriptToRun.isEmpty())
+        scriptToRun = withoutValue(jsCallbackCode);
+    frame->evaluateJavaScript(scriptToRun);
 }

@@ -44,6 +44,7 @@ public:
     void deliver(int argument, int code, QWebFrame *frame);
 
 private:
+    QString withoutValue(const QString &code);
     void leavePage();
     void addGuards(QWebFrame *frame);
 
@@ -64,4 +65,5 @@ private:
     PageEvents *pageEvents; ///< of the current page; null before the first
     PageGuards *pageGuards; ///< of the current page; null before the first, and where pages need none
     QString jsCallbackCode;
+    QString scriptToRun; ///< what stands for jsCallbackCode, once it was needed
 };

@@ -399,7 +399,10 @@ void TestPlayerEvents::bothObjectsSetTheOneHandlerText()
 void TestPlayerEvents::aBrokenHandlerTextHarmsNobody_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char *const text : {"throw new Error('x')", "no such syntax(", "noSuchFunction()", "%1 %2"})
+    for (const char *const text :
+         {"throw new Error('x')", "no such syntax(", "noSuchFunction()", "%1 %2", "hear(7, 7); if (true)", "for (;;)",
+          "hear(7, 7); while (seen.length < 3)", "if (false) hear(7, 7); else",
+          "hear(7, 7); label:", "return hear(7, 7)", "}; hear(7, 7); {", "/* hear(7, 7)", "seen ="})
         QTest::newRow(text) << QString(text);
 }
 
