@@ -48,6 +48,7 @@ private slots:
     void nobodyIsAskedWhetherToLeave();
     void whatAPageDoesAtItsEndKeepsNobody_data();
     void whatAPageDoesAtItsEndKeepsNobody();
+    void aPageMayBeLeftWhileItsDialogIsOpen();
     void loadingAgainIsOneLoad();
 
 private:
@@ -133,6 +134,9 @@ void TestPageEnd::whatAPageDoesAtItsEndKeepsNobody_data()
     QTest::newRow("another document") << "document.open(); document.write('no'); document.close()";
     QTest::newRow("a step back") << "history.back()";
     QTest::newRow("the end of loading") << "stop()";
+    QTest::newRow("the frames' end") << "document.body.innerHTML = ''";
+    QTest::newRow("all frames' end at the end of one")
+        << "frames[0].addEventListener('unload', function () { document.body.innerHTML = ''; }, false)";
     QTest::newRow("a frame") << "document.body.appendChild(document.createElement('iframe')).src = '/frame'";
 }
 
@@ -152,6 +156,22 @@ void TestPageEnd::whatAPageDoesAtItsEndKeepsNobody()
         QCOMPARE(plugin.browser()->title(), QString("Portal"));
         QVERIFY(plugin.evaluate("typeof StbMedia.Stop === 'function'").toBool());
     }
+}
+
+void TestPageEnd::aPageMayBeLeftWhileItsDialogIsOpen()
+{
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.waitForLoad());
+    plugin.evaluate("name = ''");
+    QTimer::singleShot(0, plugin.browser(), [&plugin] {
+        QMetaObject::invokeMethod(plugin.browser(), "reloadPage");
+        QApplication::activeModalWidget()->close();
+    });
+    plugin.evaluate("alert('Hello'); name += 'after '");
+
+    QTRY_COMPARE(plugin.browser()->title(), QString("Portal"));
+    QCOMPARE(plugin.evaluate("name").toString(), QString("beforeunload pagehide unload frame after "));
 }
 
 void TestPageEnd::loadingAgainIsOneLoad()
