@@ -45,8 +45,9 @@ public slots:
     int CreatePlayer();
     int ClosePlayer(int id);
     int GetPlayersCount();
-    // The engine refuses calls with too few arguments, and portals leave out the subtitles.
-    int PlayFile(int id, QString path, long long pos, long long duration, double fps, QVariant subt = QVariant());
+    // A default argument would be a slot more, and shift the indexes of all that follow. Pages whose engine needs
+    // guards may leave out the subtitles, since the guard adds what is missing.
+    int PlayFile(int id, QString path, long long pos, long long duration, double fps, QVariant subt);
     int PlayStream(int id, QString path);
     int PlayHttp(int id, QString path, QString opt);
     int PlayRtsp(int id, QString path, long long pos, int mode);

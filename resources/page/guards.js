@@ -103,6 +103,12 @@
         return simple;
     }
 
+    // For the subtitles of a file, where the engine would refuse what it has no QVariant for.
+    function subtitles(value) {
+        var simple = variant(value);
+        return simple === simple && typeof simple !== 'symbol' ? simple : undefined;
+    }
+
     // For an entry of a list of numbers, in which an object is none.
     function number(value) {
         var simple = isObject(value) ? held(value, 0) : value;
@@ -224,6 +230,18 @@
         return found;
     }
 
+    // A slot whose last argument may be left out: the engine refuses a call with fewer arguments than the slot has.
+    function optionalLast(method, count) {
+        return function () {
+            if (arguments.length === count - 1) {
+                put(arguments, count - 1, undefined);
+                arguments.length = count;
+            }
+            var result = call(method, arguments);
+            return result;
+        };
+    }
+
     // A signal's functions connect and disconnect. What the engine calls is not the page's function, which could find out
     // who calls, and of which it would read as many arguments as it says it has.
     function guardedSignal(signal) {
@@ -281,9 +299,10 @@
     var isSignal = create(null);
     isSignal.destroyed = isSignal.jsCallback = isSignal.keyDelayChanged = isSignal.ExitToMenuSignal = true;
 
-    // By object and slot: which argument is made safe and how, or what is called in place of the slot.
+    // By object and slot: which argument is made safe and how, and how many the slot has if the last may be left out; or
+    // what is called in place of the slot.
     var guards = {
-        StbMedia: {PlayFile: [5, variant]},
+        StbMedia: {PlayFile: [5, subtitles, 6]},
         StbDisplay: {SetOrder: [0, numbers]},
         StbPVR: {AddRecord: [2, dateTime], SetRecordStartTime: [1, variant], GetRecordsList: recordsList},
         stb_media: {},
@@ -309,7 +328,9 @@
             return guarded(rule);
         if (isSignal[slot])
             return guardedSignal(target[name]);
-        return rule ? guarded(target[name], rule[0], rule[1]) : guarded(target[name]);
+        if (!rule)
+            return guarded(target[name]);
+        return guarded(rule[2] ? optionalLast(target[name], rule[2]) : target[name], rule[0], rule[1]);
     }
 
     function addProperty(guard, target, name, objectName) {

@@ -14,8 +14,6 @@ const QVector<ScriptApi::Object> &ScriptApi::objects()
              "int ClosePlayer(int id)",
              "int GetPlayersCount()",
              "int PlayFile(int id, QString path, qlonglong pos, qlonglong duration, double fps, QVariant subt)",
-             // The subtitles may be left out. This is the one entry that is no method of its own.
-             "int PlayFile(int id, QString path, qlonglong pos, qlonglong duration, double fps)",
              "int PlayStream(int id, QString path)",
              "int PlayHttp(int id, QString path, QString opt)",
              "int PlayRtsp(int id, QString path, qlonglong pos, int mode)",

@@ -54,6 +54,8 @@ private slots:
     void onlyATextIsASubtitlePath_data();
     void onlyATextIsASubtitlePath();
     void aNumberIsNoSubtitlePathHoweverWritten();
+    void subtitlesMayBeLeftOutByAnyName_data();
+    void subtitlesMayBeLeftOutByAnyName();
 
     void theEndClosesThePlayersLeftOpen();
     void theEndKeepsTheSoundOfThePlayersLeftOpen();
@@ -260,6 +262,9 @@ void TestStbMediaPlayers::onlyATextIsASubtitlePath_data()
     refused(", -5.5", "-5.5");
     refused(", 1e21", "1e+21");
     refused(", NaN", "");
+    refused(", new Number(NaN)", "");
+    if (!HostedPlugin::hasBoxEngine())
+        refused(", Symbol('s.srt')", "");
     refused(", true", "true");
     refused(", false", "false");
     refused(", new Date(86400000)", "1970-01-02T00:00:00.000Z");
@@ -304,6 +309,30 @@ void TestStbMediaPlayers::aNumberIsNoSubtitlePathHoweverWritten()
                        "return StbMedia.PlayFile(1, 'a.ts', 0, 0, 25, number); })");
     QCOMPARE(outcome.result, QString("[-128,-128,-128,-128]"));
     QCOMPARE(outcome.calls, QByteArray());
+}
+
+void TestStbMediaPlayers::subtitlesMayBeLeftOutByAnyName_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char *const call :
+         {"StbMedia.PlayFile(1, 'a', 2, 3, 4)",
+          "StbMedia['PlayFile(int,QString,qlonglong,qlonglong,double,QVariant)'](1, 'a', 2, 3, 4)",
+          "StbMedia.PlayFile.call(null, 1, 'a', 2, 3, 4)", "StbMedia.PlayFile.apply(window, [1, 'a', 2, 3, 4])",
+          "(function (play) { return play(1, 'a', 2, 3, 4); })(StbMedia.PlayFile)",
+          "(Object.defineProperty(Object.prototype, 5, {get: function () { return 's.srt'; },"
+          "configurable: true}), StbMedia.PlayFile(1, 'a', 2, 3, 4))"})
+        QTest::newRow(call) << QString(call);
+}
+
+// A page leaves them out and finds nothing played, as with anything else that is no text.
+void TestStbMediaPlayers::subtitlesMayBeLeftOutByAnyName()
+{
+    QFETCH(const QString, call);
+    const ScriptSession::Outcome outcome = m_session->run(call);
+    m_session->run("delete Object.prototype[5]");
+    QCOMPARE(outcome.result, QString("-128"));
+    QCOMPARE(outcome.calls, QByteArray());
+    QCOMPARE(outcome.traces, ScriptSession::quoted("StbMedia.PlayFile(1, a, 2, 3, 4, "));
 }
 
 void TestStbMediaPlayers::theEndClosesThePlayersLeftOpen()
