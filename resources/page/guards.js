@@ -309,10 +309,15 @@
         stb_display: {}
     };
 
-    // Objects that inherit from a script object get members of their own.
+    // Objects that inherit from a script object get members of their own, unless they take no more, which on a box makes
+    // no error.
     function setBeyond(guard, object, name, value) {
-        if (object !== guard && isObject(object))
+        if (object === guard || !isObject(object))
+            return;
+        try {
             put(object, name, value);
+        } catch (ignored) {
+        }
     }
 
     // As in the engine's own objects, a slot takes no other value, and says nothing about it.

@@ -1,6 +1,7 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "WrappersBeside.h"
 #include "tests/platform/RecordingPlatform.h"
 #include "tests/support/HostedPlugin.h"
 #include "tests/support/HttpServer.h"
@@ -31,6 +32,8 @@ private slots:
     void refusalsAreToldAtThePagesPlace();
     void guardsLookLikeTheirObjects_data();
     void guardsLookLikeTheirObjects();
+    void guardsAreUsedLikeWrappers_data();
+    void guardsAreUsedLikeWrappers();
     void whatAPageAddsStaysUntilTheNextPage();
     void answersAreThePagesOwn();
 
@@ -40,6 +43,7 @@ private:
     QString bareAsJson(const QString &script);
 
     std::unique_ptr<HostedPlugin> m_plugin;
+    WrappersBeside m_wrappers;
     std::unique_ptr<KavroJS::StbDisplay> m_display;
     std::unique_ptr<QWebPage> m_barePage;
 };
@@ -107,6 +111,9 @@ void TestPageGuards::guardsAreAsOnABox_data()
     row("(function () { var mine = Object.create(StbDisplay); mine.Log = 5; mine.APIVersion = 6;"
         "return [mine.Log, mine.APIVersion, typeof StbDisplay.Log, StbDisplay.APIVersion]; })()",
         R"js([5,6,"function","v1.2"])js");
+    row("(function () { function Player() { this.Stop = function () { return 'mine'; }; } Player.prototype = StbMedia;"
+        "return new Player().Stop(-5); })()",
+        R"js("mine")js");
 
     row("refusal(function () { StbMedia.Stop(); })",
         R"js(["SyntaxError","too few arguments in call to Stop(); candidates are\n    Stop(int)",true])js");
@@ -226,6 +233,153 @@ void TestPageGuards::guardsLookLikeTheirObjects()
     QCOMPARE(guarded, bareAsJson(script).remove(newSignal));
     QCOMPARE(guardedCalls, RecordingPlatform::takeCalls());
     QVERIFY(!guarded.startsWith("throws"));
+}
+
+void TestPageGuards::guardsAreUsedLikeWrappers_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("script");
+    // A member of each kind.
+    const struct
+    {
+        const char *object, *slot, *signature, *property, *argument;
+    } objects[] = {{"StbMedia", "Stop", "Stop(int)", "onEvent", "-5"},
+                   {"StbDisplay", "Log", "Log(QString)", "APIVersion", "'text'"},
+                   {"StbPVR", "DeleteRecord", "DeleteRecord(KVR_ID)", "objectName", "-5"},
+                   {"stb_media", "Stop", "Stop(int)", "onEvent", "-5"},
+                   {"stb_display", "log", "log(QString)", "browserVersion", "'text'"}};
+    const char *const scripts[] = {
+        "Object.prototype.toString.call(object)",
+        "typeof object",
+        "[String(object), object + '', object + 1, +object, isNaN(object), object.toLocaleString()]",
+        "[object == object, object === object, object == null, !object, object == other, object.valueOf() === object]",
+        "names(object)",
+        "names(Object.keys(object), true)",
+        "names(Object.getOwnPropertyNames(object), true)",
+        "['SLOT' in object, 'SIGNATURE' in object, 'PROPERTY' in object, 'none' in object, 'toString' in object]",
+        "['SLOT', 'SIGNATURE', 'PROPERTY', 'none', 'toString'].map(function (n) { return object.hasOwnProperty(n); })",
+        "['SLOT', 'SIGNATURE', 'PROPERTY', 'none'].map(function (n) { return object.propertyIsEnumerable(n); })",
+        "[object.constructor === Object, Object.getPrototypeOf(object) === Object.prototype, object instanceof Object]",
+        "[Object.prototype.isPrototypeOf(object), Array.isArray(object), object.length, object[0]]",
+        "[typeof object.SLOT, object.SLOT === object.SLOT, object.SLOT.length]",
+        "[object.PROPERTY, object.objectName, object.none]",
+        "JSON.stringify([object, {a: object}])",
+        "[object.SLOT(ARGUMENT), object['SIGNATURE'](ARGUMENT), object.SLOT.call(null, ARGUMENT)]",
+
+        "(function () { object.SLOT = 5; object.PROPERTY = 'x'; object.none = 6;"
+        "return [typeof object.SLOT, object.PROPERTY, object.none]; })()",
+        "(function () { 'use strict'; object.SLOT = 5; object['SIGNATURE'] = 5; object.PROPERTY = 'x'; object.none = 6;"
+        "return [typeof object.SLOT, typeof object['SIGNATURE'], object.PROPERTY, object.none]; })()",
+        "(function () { object[0] = 'a'; object[7] = 'b'; return [object[0], object[7], object.length]; })()",
+        "(function () { object.SLOT.x = 5; return object.SLOT.x; })()",
+        "(function () { object.none = 5; return [object.hasOwnProperty('none'), 'none' in object,"
+        "object.propertyIsEnumerable('none'), names(Object.keys(object), true)]; })()",
+        "[delete object.SLOT, delete object.PROPERTY, delete object.none, typeof object.SLOT, typeof object.PROPERTY]",
+        "[error(function () { 'use strict'; delete object.SLOT; }), error(function () { 'use strict';"
+        "delete object.none; })]",
+        "(function () { with (object) { return [typeof SLOT, typeof PROPERTY]; } })()",
+        "(function () { with (object) { SLOT = 5; } return [typeof object.SLOT, typeof window.SLOT]; })()",
+        "(function () { object.__proto__ = {inherited: 1}; return [object.inherited, typeof object.SLOT]; })()",
+
+        "(function () { function Heir() { this.SLOT = function () { return 'mine'; }; } Heir.prototype = object;"
+        "return [new Heir().SLOT(-5), typeof object.SLOT, new Heir() instanceof Heir]; })()",
+        "(function () { 'use strict'; function Heir() { this.SLOT = this['SIGNATURE'] = this.PROPERTY = 5; }"
+        "Heir.prototype = object; var heir = new Heir(); return [heir.SLOT, heir['SIGNATURE'], heir.PROPERTY,"
+        "Object.keys(heir), typeof object.SLOT, typeof object.PROPERTY]; })()",
+        "(function () { var heir = Object.create(object); heir.SLOT = 5; heir.PROPERTY = 6; heir.objectName = 7;"
+        "heir.none = 8; return [heir, Object.keys(heir), typeof object.SLOT, object.objectName, object.none]; })()",
+        "(function () { var heir = Object.create(object, {SLOT: {value: 5}}); return heir.SLOT; })()",
+        "(function () { var heir = Object.create(object); heir.SLOT = 5; return [delete heir.SLOT, typeof heir.SLOT]; "
+        "})()",
+        "(function () { var heir = Object.create(Object.create(object)); heir.SLOT = 5; return heir.SLOT; })()",
+        "(function () { var heir = {}; heir.__proto__ = object; heir.SLOT = 5; return heir.SLOT; })()",
+        "(function () { var heir = []; heir.__proto__ = object; heir.SLOT = 5; return [heir.SLOT, heir.length]; })()",
+        "(function () { var heir = Object.create(object); return [heir.SLOT === object.SLOT, heir.SLOT(ARGUMENT),"
+        "heir.PROPERTY, names(heir), Object.keys(heir), Object.prototype.toString.call(heir)]; })()",
+        "object.isPrototypeOf(Object.create(object))",
+
+        "error(function () { Object.defineProperty(object, 'SLOT', {value: 5, configurable: true}); })",
+        "error(function () { Object.defineProperty(object, 'PROPERTY', {enumerable: false}); })",
+        "(function () { Object.defineProperty(object, 'none', {value: 5}); object.none = 6; return object.none; })()",
+        "(function () { Object.defineProperty(object, 'none', {get: function () { return this === object; }});"
+        "return object.none; })()",
+        "(function () { object.__defineGetter__('none', function () { return 5; }); return object.none; })()",
+        "[1].concat(object).length",
+        "error(function () { object(); })",
+        "error(function () { new object(); })",
+        "error(function () { ({}) instanceof object; })",
+        "error(function () { document.body.appendChild(object); })",
+        "error(function () { postMessage(object, '*'); })"};
+    const char *const scriptsOfTodaysEngine[] = {
+        "[Object.isFrozen(object), Object.isSealed(object), Object.isExtensible(object)]",
+        "[Object.freeze(object) === object, Object.isExtensible(object), Object.isSealed(object)]",
+        "(function () { Object.freeze(object); object.SLOT = 5; object.none = 6; object.objectName = 'x';"
+        "return [typeof object.SLOT, object.none, object.objectName, object.SLOT(ARGUMENT)]; })()",
+        "(function () { Object.seal(object); object.none = 6; object.objectName = 'x';"
+        "return [object.none, object.objectName, object.SLOT(ARGUMENT)]; })()",
+        "(function () { Object.preventExtensions(object); object.none = 6; object.objectName = 'x';"
+        "return [object.none, object.objectName]; })()",
+        "(function () { var heir = Object.freeze(Object.create(object)); heir.SLOT = 5; heir.PROPERTY = 6;"
+        "return [typeof heir.SLOT, heir.PROPERTY, Object.keys(heir)]; })()",
+        "(function () { var heir = Object.preventExtensions(Object.create(object)); heir.SLOT = 5;"
+        "return typeof heir.SLOT; })()",
+        "(function () { class Heir { constructor() { this.SLOT = 5; } } Heir.prototype.__proto__ = object;"
+        "return new Heir().SLOT; })()",
+        "(function () { Object.setPrototypeOf(object, {inherited: 1}); return [object.inherited, typeof object.SLOT]; "
+        "})()",
+        "(function () { var map = new Map([[object, 5]]); return [map.get(object), map.has(other), map.size]; })()",
+        "(function () { var map = new WeakMap([[object, 5]]); return map.get(object); })()",
+        "[new Set([object, object, other]).size, Array.from(new Set([object]))[0] === object]",
+        "Object.assign({}, object)",
+        "names(Object.keys(Object.assign({}, object)), true)",
+        "names(Reflect.ownKeys(object), true)",
+        "[Reflect.has(object, 'SLOT'), Reflect.getPrototypeOf(object) === Object.prototype]",
+        "`${object}`"};
+    for (const auto &object : objects) {
+        const auto row = [&object](const char *script) {
+            const QString filled = QString(script)
+                                       .replace("SLOT", object.slot)
+                                       .replace("SIGNATURE", object.signature)
+                                       .replace("PROPERTY", object.property)
+                                       .replace("ARGUMENT", object.argument);
+            QTest::addRow("%s: %s", object.object, qPrintable(filled)) << QString(object.object) << filled;
+        };
+        for (const char *const script : scripts)
+            row(script);
+        if (HostedPlugin::hasBoxEngine())
+            continue;
+        for (const char *const script : scriptsOfTodaysEngine)
+            row(script);
+    }
+}
+
+void TestPageGuards::guardsAreUsedLikeWrappers()
+{
+    QFETCH(const QString, object);
+    QFETCH(const QString, script);
+    m_plugin->evaluate(object + ".objectName = ''"); // which outlives its page
+    QVERIFY(m_wrappers.load(m_plugin.get(), "<title>both</title>"));
+    // But for the one name that no box has. The text of an error names the object as the script does.
+    m_plugin->evaluate("var other = {};"
+                       "function names(object, areListed) { var all = [];"
+                       "if (areListed) all = object; else for (var name in object) all.push(name);"
+                       "return all.filter(function (name) { return name !== 'objectNameChanged(QString)'; }); }"
+                       "function error(call) { try { call(); } catch (thrown) {"
+                       "return thrown instanceof TypeError ? 'TypeError' : String(thrown); } }");
+    QString results[2];
+    QByteArrayList calls[2];
+    const QString sides[] = {object, WrappersBeside::nameBeside(object)};
+    for (int i = 0; i < 2; ++i) {
+        RecordingPlatform::reset();
+        results[i] = asJson("(function (object) { return " + script + "; })(" + sides[i] + ")");
+        calls[i] = RecordingPlatform::takeCalls();
+    }
+    QCOMPARE(results[0], results[1]);
+    // Freezing reads a wrapper's properties, which the platform hears of.
+    if (!script.contains("Object.freeze(object)") && !script.contains("Object.seal(object)")
+        && !script.contains("isFrozen"))
+        QCOMPARE(calls[0], calls[1]);
+    QVERIFY2(!results[1].startsWith("throws"), qPrintable(results[1]));
 }
 
 void TestPageGuards::whatAPageAddsStaysUntilTheNextPage()
