@@ -34,6 +34,8 @@ private slots:
     void guardsLookLikeTheirObjects();
     void guardsAreUsedLikeWrappers_data();
     void guardsAreUsedLikeWrappers();
+    void listsAreThoseThatWrappersTake_data();
+    void listsAreThoseThatWrappersTake();
     void whatAPageAddsStaysUntilTheNextPage();
     void answersAreThePagesOwn();
 
@@ -380,6 +382,94 @@ void TestPageGuards::guardsAreUsedLikeWrappers()
         && !script.contains("isFrozen"))
         QCOMPARE(calls[0], calls[1]);
     QVERIFY2(!results[1].startsWith("throws"), qPrintable(results[1]));
+}
+
+void TestPageGuards::listsAreThoseThatWrappersTake_data()
+{
+    QTest::addColumn<QString>("value");
+    for (const char *const value : {"undefined",
+                                    "null",
+                                    "NaN",
+                                    "Infinity",
+                                    "-Infinity",
+                                    "{}",
+                                    "{status: 'FAIL', message: 'Unknown error', code: '0'}",
+                                    "{length: 1, 0: 5}",
+                                    "new Number(NaN)",
+                                    "new Number(5)",
+                                    "new String('6')",
+                                    "new String('x')",
+                                    "new Boolean(true)",
+                                    "true",
+                                    "false",
+                                    "5",
+                                    "2.6",
+                                    "-3",
+                                    "1e300",
+                                    "'6'",
+                                    "''",
+                                    "'x'",
+                                    "'1,2'",
+                                    "[]",
+                                    "[[]]",
+                                    "[[5]]",
+                                    "[undefined]",
+                                    "[1, undefined]",
+                                    "[,1]",
+                                    "[null]",
+                                    "[NaN]",
+                                    "[1, NaN, 2]",
+                                    "[Infinity]",
+                                    "[{}]",
+                                    "[{a: 1}]",
+                                    "[new Number(5)]",
+                                    "[new String('6')]",
+                                    "[new Number(NaN)]",
+                                    "[new Boolean(true)]",
+                                    "[new Date(5)]",
+                                    "[function () {}]",
+                                    "[true]",
+                                    "['x']",
+                                    "[window]",
+                                    "function () {}",
+                                    "new Date(5)",
+                                    "/x/",
+                                    "new Error('x')",
+                                    "Object.create(null)",
+                                    "object",
+                                    "object.SetOrder",
+                                    "(function () { return arguments; })(1, 2)",
+                                    "document",
+                                    "document.childNodes",
+                                    "document.all",
+                                    "window",
+                                    "Math",
+                                    "JSON",
+                                    "Object.create([1, 2])",
+                                    "(function () { var list = [1, 2]; list.x = 5; return list; })()"})
+        QTest::newRow(value) << QString(value);
+    if (HostedPlugin::hasBoxEngine())
+        return;
+    for (const char *const value : {"Symbol('s')", "new Uint8Array([1, 2])", "new Uint8Array(2).buffer",
+                                    "new Map([[1, 2]])", "new Set([1, 2])", "new Array(3)"})
+        QTest::newRow(value) << QString(value);
+}
+
+void TestPageGuards::listsAreThoseThatWrappersTake()
+{
+    QFETCH(const QString, value);
+    QVERIFY(m_wrappers.load(m_plugin.get(), "<title>both</title>"));
+    QString results[2];
+    QByteArrayList calls[2];
+    const QString sides[] = {"StbDisplay", WrappersBeside::nameBeside("StbDisplay")};
+    for (int i = 0; i < 2; ++i) {
+        RecordingPlatform::reset();
+        results[i] = asJson("(function (object) { try { return object.SetOrder(" + value
+                            + "); } catch (error) { return 'throws ' + error.message; } })(" + sides[i] + ")");
+        calls[i] = RecordingPlatform::takeCalls();
+    }
+    QCOMPARE(results[0], results[1]);
+    QCOMPARE(calls[0], calls[1]);
 }
 
 void TestPageGuards::whatAPageAddsStaysUntilTheNextPage()

@@ -104,6 +104,14 @@ const QVector<ScriptRow> &rows()
         {"StbDisplay.SetOrder([])", "StbDisplay.SetOrder()", "KVR_SetOrder({}, 0)", -1, "0", "empty order"},
         {"StbDisplay.SetOrder([1.9, -1.9, true, null])", "StbDisplay.SetOrder()", "KVR_SetOrder({2, -2, 1, 0}, 4)", 0,
          "0", "order of fractions"},
+        // The engine refuses these, and no method hears of them.
+        {"StbDisplay.SetOrder()", "", "", 0, refused, "no order"},
+        {"StbDisplay.SetOrder(undefined)", "", "", 0, refused, "undefined order"},
+        {"StbDisplay.SetOrder(null)", "", "", 0, refused, "order that is null"},
+        {"StbDisplay.SetOrder(NaN)", "", "", 0, refused, "order that is not a number"},
+        {"StbDisplay.SetOrder([1, undefined])", "", "", 0, refused, "order with a gap"},
+        {"StbDisplay.SetOrder({status: 'FAIL', message: 'get order failed', code: 99})", "", "", 0, refused,
+         "order that could not be asked for"},
 
         {"StbDisplay.IsOutportsEnabled()", "StbDisplay.IsOutportsEnabled()", "KVR_IsOutportsEnabled()", 1, "1",
          "outputs asked"},
