@@ -63,6 +63,11 @@ private slots:
     void aBrokenHandlerTextHarmsNobody();
 
     void aCallbackThatThrowsHearsTheNextEventToo();
+    void whatACallbackThrowsIsReportedAsThatOfAListener_data();
+    void whatACallbackThrowsIsReportedAsThatOfAListener();
+    void whatACallbackLeavesIsDoneAsAfterAText_data();
+    void whatACallbackLeavesIsDoneAsAfterAText();
+    void aCallbackCannotStopTheEventsToCome();
     void aCallbackThatNavigatesLosesNoEvent();
     void aCallbackThatMakesThePlatformFireIsNotEnteredAgain();
     void aCallbackMayCloseItsPlayer();
@@ -425,6 +430,131 @@ void TestPlayerEvents::aCallbackThatThrowsHearsTheNextEventToo()
     fire(1, 3);
     deliver();
     QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2],0,[1,3],0],2]"));
+}
+
+void TestPlayerEvents::whatACallbackThrowsIsReportedAsThatOfAListener_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    for (const char *const script : {"throw 'text';",
+                                     "throw '';",
+                                     "throw 5;",
+                                     "throw {a: 1};",
+                                     "throw {toString: function () { return 'mine'; }};",
+                                     "throw [1, 2];",
+                                     "throw null;",
+                                     "throw undefined;",
+                                     "throw function () {};",
+                                     "throw document;",
+                                     "throw StbMedia;",
+                                     "throw new Error('x');",
+                                     "throw new TypeError('x');",
+                                     "throw kept;",
+                                     "null.x;",
+                                     "noSuchFunction();",
+                                     "StbMedia.Stop();",
+                                     "StbDisplay.SetOrder(null);",
+                                     "decodeURI('%');",
+                                     "inner();",
+                                     "(function () { throw 'x'; })();",
+                                     "[1].forEach(function () { throw 'x'; });",
+
+                                     "document.appendChild(null);",
+                                     "(function deeper() { deeper(); })();"})
+        QTest::newRow(script) << QByteArray(script);
+}
+
+void TestPlayerEvents::whatACallbackThrowsIsReportedAsThatOfAListener()
+{
+    QFETCH(const QByteArray, script);
+    HttpServer server;
+    server.serve("/",
+                 "<!DOCTYPE html><title>Page</title>\n<script>\nvar told = [], errors = 0, kept = new Error('kept');\n"
+                 "onerror = function () { told.push([].slice.call(arguments).map(String)); };\n"
+                 "function inner() {\nthrow 'inner';\n}\n"
+                 "function fail() {\n"
+                     + script
+                     + "\n}\nvar own = document.createElement('i'); own.addEventListener('own', fail, false);\n"
+                       "function dispatch() { var event = document.createEvent('Event');\n"
+                       "event.initEvent('own', false, false); own.dispatchEvent(event); }\n</script>");
+    HostedPlugin &plugin = m_session->plugin();
+    QStringList lines;
+    const auto connection =
+        connect(plugin.browser()->page(), &QWebPage::consoleMessageReceived, this,
+                [&lines](QWebPage::MessageSource source, QWebPage::MessageLevel level, const QString &text, int line,
+                         const QString &address) {
+                    lines += QString("%1 %2 %3 %4 %5").arg(source).arg(level).arg(text, address).arg(line);
+                });
+    QVERIFY(plugin.load(server.url("/")));
+    QStringList reports;
+    for (const bool isCallback : {false, true}) {
+        if (isCallback) {
+            plugin.evaluate("StbMedia.SetEventCallback(fail)");
+            fire(1, 2);
+            deliver();
+        } else {
+            plugin.evaluate("dispatch()");
+        }
+        reports += lines.join('\n') + '\n' + plugin.evaluate("JSON.stringify(told)").toString();
+        lines.clear();
+        plugin.evaluate("told = []");
+    }
+    disconnect(connection);
+    QCOMPARE(reports[1], reports[0]);
+    QVERIFY2(reports[0].contains(server.url("/").toString()), qPrintable(reports[0]));
+}
+
+void TestPlayerEvents::whatACallbackLeavesIsDoneAsAfterAText_data()
+{
+    QTest::addColumn<QString>("callback");
+    QTest::newRow("nothing") << "";
+    if (HostedPlugin::hasBoxEngine())
+        return;
+    QTest::newRow("promise") << "Promise.resolve('kept').then(note);";
+    QTest::newRow("promises") << "Promise.resolve('first').then(note); Promise.resolve('second').then(note);";
+    QTest::newRow("promise of a promise")
+        << "Promise.resolve().then(function () { return Promise.resolve('kept'); }).then(note);";
+    QTest::newRow("broken promise") << "Promise.reject('broken').catch(note);";
+    QTest::newRow("promise before an error") << "Promise.resolve('kept').then(note); throw new Error('x');";
+    QTest::newRow("observed change") << "new MutationObserver(note).observe(document.body, {attributes: true});"
+                                        "document.body.id = code;";
+}
+
+// That is, before the handler text.
+void TestPlayerEvents::whatACallbackLeavesIsDoneAsAfterAText()
+{
+    QFETCH(const QString, callback);
+    const QString text = "seen.push('text')";
+    evaluate("function note() { seen.push('later'); } StbMedia.SetEventCallback(function (argument, code) {"
+             "seen.push(code); "
+             + callback + " })");
+    for (int code = 2; code <= 3; ++code) {
+        m_session->plugin().evaluate(QString("if (typeof StbMedia.eventCallback != 'undefined')"
+                                             "StbMedia.eventCallback(1, %1);")
+                                         .arg(code));
+        m_session->plugin().evaluate(text);
+    }
+    const QString expected = evaluate("[seen, errors]");
+    QVERIFY(m_session->plugin().loadHtml(page));
+    evaluate("function note() { seen.push('later'); } StbMedia.SetEventCallback(function (argument, code) {"
+             "seen.push(code); "
+             + callback + " })");
+    evaluate("StbMedia.onEvent = " + ScriptSession::quoted(text));
+    fire(1, 2);
+    fire(1, 3);
+    RecordingPlatform::waitUntilFired();
+    // Only what has been posted: the engine's timers come later.
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(evaluate("[seen, errors]"), expected);
+}
+
+void TestPlayerEvents::aCallbackCannotStopTheEventsToCome()
+{
+    evaluate("StbMedia.SetEventCallback(function (argument, code) { hear(argument, code); if (window.event) {"
+             "event.stopImmediatePropagation(); event.preventDefault(); event.initEvent('other', true, true); } })");
+    fire(1, 2);
+    fire(1, 3);
+    deliver();
+    QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2],[1,3]],0]"));
 }
 
 void TestPlayerEvents::aCallbackThatNavigatesLosesNoEvent()
