@@ -106,6 +106,8 @@ private slots:
     void pagesHaveNoWorkers();
     void changedPrototypesChangeNothing_data();
     void changedPrototypesChangeNothing();
+    void aPageBeforeSpoilsNoAnswers_data();
+    void aPageBeforeSpoilsNoAnswers();
     void posingObjectsAreNotPassedOn_data();
     void posingObjectsAreNotPassedOn();
     void frameDatesAreDates();
@@ -458,6 +460,37 @@ void TestPageSafety::changedPrototypesChangeNothing()
     QCOMPARE(m_session->plugin().evaluate("when").toDouble(), areEntriesSet ? 0.0 : 1000000.0);
     // What a list holds is the page's to say; it only has to be numbers.
     m_session->plugin().evaluate("StbDisplay.SetOrder(list); StbDisplay.SetOrder(deep)");
+}
+
+void TestPageSafety::aPageBeforeSpoilsNoAnswers_data()
+{
+    QTest::addColumn<QString>("call");
+    for (const char *const call :
+         {"StbPVR.GetRecordsList()", "StbDisplay.GetOrder()", "StbDisplay.GetGraphicsViewport()",
+          "StbDisplay.ListDirs('/')", "StbMedia.GetAudioTrackList(1)", "StbMedia.GetEventDescription()",
+          "StbMedia.GetPlayerViewPort(1)"})
+        QTest::newRow(call) << QString(call);
+}
+
+// The engine makes a list in the page in which it first looked a method up, unless that has been collected since.
+void TestPageSafety::aPageBeforeSpoilsNoAnswers()
+{
+    QFETCH(const QString, call);
+    KVR_Record record = {};
+    record.start = 1000;
+    RecordingPlatform::answer("KVR_GetRecordsList", RecordingPlatform::Answer::array(QVector<KVR_Record>{record}));
+    RecordingPlatform::answer("KVR_GetOrder", RecordingPlatform::Answer::array(QVector<int>{3, 1}));
+    const QString answer = result(call);
+    QVERIFY(m_session->plugin().loadHtml("<title>spoils</title>"));
+    QWebSettings::clearMemoryCaches(); // collects garbage
+    result(
+        "[Array.prototype, Object.prototype].forEach(function (prototype) {"
+        "[0, 1, 2, 'start', 'x', 'id', 'PID', 'name'].forEach(function (name) {"
+        "Object.defineProperty(prototype, name, {get: function () { return 'spoilt'; }, set: function () {}}); }); });"
+        + call);
+    QVERIFY(m_session->plugin().loadHtml("<title>next</title>"));
+    QCOMPARE(result(call), answer);
+    QVERIFY(!answer.contains("spoilt"));
 }
 
 void TestPageSafety::posingObjectsAreNotPassedOn_data()
