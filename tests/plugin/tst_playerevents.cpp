@@ -5,6 +5,8 @@
 #include "tests/platform/RecordingPlatform.h"
 #include "tests/support/HttpServer.h"
 
+#include <QApplication>
+#include <QTimer>
 #include <QWebPage>
 #include <QWebView>
 #include <QtTest>
@@ -68,6 +70,8 @@ private slots:
     void whatACallbackLeavesIsDoneAsAfterAText_data();
     void whatACallbackLeavesIsDoneAsAfterAText();
     void aCallbackCannotStopTheEventsToCome();
+    void eventsArriveWhileACallbackShowsADialog();
+    void aPageThatIsWrittenAnewHearsEvents();
     void aCallbackThatNavigatesLosesNoEvent();
     void aCallbackThatMakesThePlatformFireIsNotEnteredAgain();
     void aCallbackMayCloseItsPlayer();
@@ -555,6 +559,36 @@ void TestPlayerEvents::aCallbackCannotStopTheEventsToCome()
     fire(1, 3);
     deliver();
     QCOMPARE(evaluate("[seen, errors]"), QString("[[[1,2],[1,3]],0]"));
+}
+
+void TestPlayerEvents::eventsArriveWhileACallbackShowsADialog()
+{
+    evaluate("StbMedia.SetEventCallback(function (argument, code) { hear(argument, code);"
+             "if (code === 2) alert('wait'); hear(arguments[0], -arguments[1]); })");
+    QTimer timer;
+    bool isFired = false;
+    connect(&timer, &QTimer::timeout, this, [this, &isFired] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            return;
+        if (!isFired)
+            fire(7, 3);
+        else if (evaluate("seen.length") == "3")
+            dialog->close();
+        isFired = true;
+    });
+    timer.start(10);
+    fire(1, 2);
+    QTRY_COMPARE(evaluate("[seen, errors]"), QString("[[[1,2],[7,3],[7,-3],[1,-2]],0]"));
+}
+
+void TestPlayerEvents::aPageThatIsWrittenAnewHearsEvents()
+{
+    evaluate("var before = seen; document.open(); document.write('<p>anew</p>'); document.close();"
+             "StbMedia.SetEventCallback(function (argument, code) { before.push(code); })");
+    fire(1, 2);
+    deliver();
+    QCOMPARE(evaluate("before"), QString("[2]"));
 }
 
 void TestPlayerEvents::aCallbackThatNavigatesLosesNoEvent()
