@@ -104,7 +104,8 @@ void CaBundle::require()
     begin();
     reader->wait();
     // A list that nobody has replaced is still the same one.
-    if (QSslSocket::defaultCaCertificates().constBegin() == former.constBegin())
+    const QList<QSslCertificate> current = QSslSocket::defaultCaCertificates();
+    if (current.constBegin() == former.constBegin())
         QSslSocket::setDefaultCaCertificates(reader->certificates);
     // What reading them needed would stay in the heap, nearly a megabyte.
     malloc_trim(0);

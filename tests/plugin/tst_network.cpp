@@ -14,7 +14,7 @@
 
 namespace {
 
-const QString bundle = "/etc/ssl/certs/ca-bundle.crt";
+const char *const bundle = "/etc/ssl/certs/ca-bundle.crt";
 const char *const ignored = "Ignore back/fwd action";
 
 int requestLines(const MessageLog &log)

@@ -15,13 +15,13 @@
 namespace {
 
 // The window's name is what outlives a page.
-const QByteArray portal = "<title>Portal</title><script>"
-                          "function note(event) { name += event.type + ' '; }"
-                          "['beforeunload', 'pagehide', 'unload'].forEach(function (type) {"
-                          "    addEventListener(type, note, false); });"
-                          "</script>"
-                          "<iframe src='/frame'></iframe>";
-const QByteArray frame = "<script>onunload = function () { top.name += 'frame '; };</script>";
+const char *const portal = "<title>Portal</title><script>"
+                           "function note(event) { name += event.type + ' '; }"
+                           "['beforeunload', 'pagehide', 'unload'].forEach(function (type) {"
+                           "    addEventListener(type, note, false); });"
+                           "</script>"
+                           "<iframe src='/frame'></iframe>";
+const char *const frame = "<script>onunload = function () { top.name += 'frame '; };</script>";
 
 void go(HostedPlugin &plugin, const QUrl &url)
 {
@@ -107,7 +107,7 @@ void TestPageEnd::nobodyIsAskedWhetherToLeave()
     const int requests = m_server.requestsFor("/").size();
     bool wasAsked = false;
     QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, [&wasAsked] {
+    QObject::connect(&answer, &QTimer::timeout, &answer, [&wasAsked] {
         if (QWidget *const dialog = QApplication::activeModalWidget()) {
             wasAsked = true;
             dialog->close();
