@@ -20,16 +20,21 @@
 #include <QApplication>
 #include <QFile>
 
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 #include <unistd.h>
 
 namespace {
+
+// Of the process inside, once the plugin has gone.
+constexpr std::chrono::milliseconds longestEnd{2500};
 
 DeskRun *currentRun = nullptr;
 
@@ -120,6 +125,35 @@ void endWithRun(int status, void *)
     _exit(status);
 }
 
+[[noreturn]] void startOver(const char *program, const QStringList &arguments)
+{
+    std::vector<QByteArray> texts = {program};
+    for (const QString &argument : arguments)
+        texts.push_back(argument.toLocal8Bit());
+    std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    Descriptors::setInherited(Descriptors::given(), true);
+    execv("/proc/self/exe", pointers.data());
+    report(QString("the desk box cannot be started again (%1)").arg(qt_error_string()));
+    std::exit(ExitStatus::Failed);
+}
+
+// The toolkit and the box's library wait at their ends for what they have begun, such as the look-up of a name, which
+// nothing breaks off. All that is to be kept is on the disk soon.
+void limitEnd(const char *program, int status, const QStringList &nextArguments)
+{
+    std::thread([=] {
+        std::this_thread::sleep_for(longestEnd);
+        std::fflush(nullptr);
+        if (status == DeskRun::restart)
+            startOver(program, nextArguments);
+        _exit(status);
+    }).detach();
+}
+
 // The process inside the box. On a restart it gives the arguments for the next start.
 int runInside(int argc, char **argv, QStringList *nextArguments)
 {
@@ -145,23 +179,8 @@ int runInside(int argc, char **argv, QStringList *nextArguments)
     const int status = run.untilLeft();
     currentRun = nullptr;
     *nextArguments = run.optionsAfterRestart().forInside();
+    limitEnd(argv[0], status, *nextArguments);
     return status;
-}
-
-[[noreturn]] void startOver(const char *program, const QStringList &arguments)
-{
-    std::vector<QByteArray> texts = {program};
-    for (const QString &argument : arguments)
-        texts.push_back(argument.toLocal8Bit());
-    std::vector<char *> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (QByteArray &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    Descriptors::setInherited(Descriptors::given(), true);
-    execv("/proc/self/exe", pointers.data());
-    report(QString("the desk box cannot be started again (%1)").arg(qt_error_string()));
-    std::exit(ExitStatus::Failed);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "BoxPaths.h"
 #include "DeskBox.h"
 #include "Log.h"
+#include "LooseThreads.h"
 
 #include <pthread.h>
 #include <system_error>
@@ -18,7 +19,7 @@ using namespace Desk;
 
 namespace {
 
-// How long the end of the process waits for streams that do not let go of their players.
+// How long the end of the process waits for what a dead host or name server may hold.
 constexpr std::chrono::seconds longestFarewell{2};
 
 // How long a program may take to set itself up, before it shares its environment and its limits with recordings.
@@ -66,13 +67,18 @@ Box::Box()
     av_log_set_level(AV_LOG_QUIET);
 }
 
+// What is only a matter of the disk comes first; what is held then may be left behind.
 void Box::finish()
 {
-    players.closeAll();
-    PlayerThread::waitForAll(longestFarewell);
-    records.finish();
-    firmware.finish();
     bootParameters.finish();
+    players.closeAll();
+    try {
+        LooseThreads::run([this] { records.finish(); });
+        LooseThreads::run([this] { firmware.finish(); });
+    } catch (const std::system_error &error) {
+        log(std::string("recordings and upgrades end with the process: ") + error.what());
+    }
+    LooseThreads::waitForAll(longestFarewell);
     events.finish();
 }
 

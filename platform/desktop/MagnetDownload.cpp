@@ -5,6 +5,7 @@
 #include "BoxPaths.h"
 #include "DiskRoom.h"
 #include "Log.h"
+#include "LooseThreads.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,6 +18,7 @@
 #include <libtorrent/settings_pack.hpp>
 #include <libtorrent/torrent_info.hpp>
 #include <libtorrent/torrent_status.hpp>
+#include <system_error>
 #include <utility>
 
 using namespace Desk;
@@ -59,6 +61,25 @@ lt::session_params sessionParameters()
 }
 
 } // namespace
+
+std::shared_ptr<MagnetDownload> MagnetDownload::begin(const std::string &magnet, const std::string &wanted)
+{
+    const auto gone = std::make_shared<std::promise<void>>();
+    const auto end = [gone](MagnetDownload *download) {
+        delete download;
+        gone->set_value();
+    };
+    const auto endLoosely = [end](MagnetDownload *download) {
+        try {
+            LooseThreads::run([end, download] { end(download); });
+        } catch (const std::system_error &) {
+            end(download);
+        }
+    };
+    std::shared_ptr<MagnetDownload> download(new MagnetDownload(magnet, wanted), endLoosely);
+    download->m_gone = gone->get_future();
+    return download;
+}
 
 MagnetDownload::MagnetDownload(const std::string &magnet, const std::string &wanted)
     : m_wanted(wanted)

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <future>
 #include <libtorrent/add_torrent_params.hpp>
 #include <libtorrent/session.hpp>
 #include <libtorrent/torrent_handle.hpp>
@@ -27,13 +28,17 @@ namespace Desk {
 class MagnetDownload
 {
 public:
-    /// wanted: the file inside the torrent, or empty for the largest.
-    MagnetDownload(const std::string &magnet, const std::string &wanted);
+    /// wanted: the file inside the torrent, or empty for the largest. Whoever lets go last does not wait for its end.
+    static std::shared_ptr<MagnetDownload> begin(const std::string &magnet, const std::string &wanted);
     MagnetDownload(const MagnetDownload &) = delete;
     MagnetDownload &operator=(const MagnetDownload &) = delete;
 
-    /// Leaves the swarm and removes the files. Takes up to some seconds.
+    /// Leaves the swarm and removes the files. Takes up to some seconds, and as long as the look-up of a tracker's
+    /// name.
     ~MagnetDownload();
+
+    /// Ready once it has gone, with its files.
+    std::shared_future<void> gone() const { return m_gone; }
 
     /// Why the download cannot go on.
     Problem problem() const;
@@ -53,6 +58,8 @@ public:
     void wakeReaders();
 
 private:
+    MagnetDownload(const std::string &magnet, const std::string &wanted);
+
     void run();
     void handle(libtorrent::alert *alert);
     void chooseFile(const std::shared_ptr<const libtorrent::torrent_info> &info);
@@ -61,6 +68,7 @@ private:
 
     const std::string m_wanted;
     const std::string m_folder;
+    std::shared_future<void> m_gone;
     std::unique_ptr<libtorrent::session> m_session;
     libtorrent::torrent_handle m_torrent;
 

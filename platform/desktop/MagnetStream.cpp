@@ -62,7 +62,7 @@ void MagnetStream::Reader::cancel(void *cookie)
 void MagnetStream::Reader::close(void *cookie)
 {
     auto &reader = *static_cast<Reader *>(cookie);
-    std::shared_ptr<MagnetDownload> last; // whose end takes a while
+    std::shared_ptr<MagnetDownload> last; // let go without the lock
     {
         const std::lock_guard<std::mutex> lock(reader.mutex);
         last.swap(reader.download);

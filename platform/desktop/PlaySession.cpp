@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "PlaySession.h"
+#include "Address.h"
 #include "Log.h"
 #include "MagnetDownload.h"
 #include "MagnetStream.h"
 #include "Multicast.h"
+#include "NameLookup.h"
 #include "PlayableAddress.h"
 #include "PlayerWindow.h"
 #include "RtpStream.h"
@@ -16,6 +18,12 @@
 using namespace Desk;
 
 namespace {
+
+// So long the player's thread waits for the look-up of a name itself.
+constexpr std::chrono::milliseconds usualLookup{100};
+
+// And so long for that of a download, before it tells of an end.
+constexpr std::chrono::seconds usualEnd{2};
 
 std::string toSeconds(long long value)
 {
@@ -45,13 +53,25 @@ PlaySession::~PlaySession()
 void PlaySession::begin()
 {
     if (m_request.kind == PlayRequest::Magnet) {
-        m_magnet = std::make_shared<MagnetDownload>(m_request.address, m_request.torrentFile);
+        m_magnet = MagnetDownload::begin(m_request.address, m_request.torrentFile);
         m_magnetStream.setDownload(m_magnet);
     } else if (!isPlayable(m_request.address)) {
         fail("it is not a file or a stream of the network");
     } else {
-        load(m_request.address);
+        m_lookup = lookUpName(Address(m_request.address).host());
+        awaitName(usualLookup);
     }
+}
+
+// The core would be held by a look-up of a name that takes its time, and play nothing else meanwhile.
+void PlaySession::awaitName(std::chrono::milliseconds time)
+{
+    if (!m_lookup.valid() || m_lookup.wait_for(time) != std::future_status::ready)
+        return;
+    if (const Problem problem = m_lookup.get())
+        fail("loading failed: " + *problem);
+    else
+        load(m_request.address);
 }
 
 void PlaySession::load(const std::string &address)
@@ -89,7 +109,11 @@ void PlaySession::end(KVR_PlayerState state)
     m_core.unobserve(m_number);
     m_core.command({"stop"});
     m_magnetStream.setDownload(nullptr);
+    const std::shared_future<void> magnetGone = m_magnet ? m_magnet->gone() : std::shared_future<void>();
     m_magnet.reset();
+    // What has come to an end by itself has left nothing behind.
+    if (magnetGone.valid() && state != KVR_PLAYER_IDLE)
+        magnetGone.wait_for(usualEnd);
     reportMulticast(false);
     change([=](PlayerStatus &status) { status.reset(state); });
     if (m_model.status().session == m_number)

@@ -11,6 +11,7 @@
 #include "Rewind.h"
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <string>
 
@@ -74,6 +75,7 @@ private:
     void pictureHeightChanged(int pixels) override;
     void tracksChanged(std::shared_ptr<const TrackList> tracks) override;
 
+    void awaitName(std::chrono::milliseconds time);
     void load(const std::string &address);
     void watchMagnet();
     void selectRequestedTracks();
@@ -103,6 +105,7 @@ private:
     const PlayRequest m_request;
     const unsigned m_number;
     std::shared_ptr<MagnetDownload> m_magnet;
+    std::future<Problem> m_lookup; // of the host's name
 
     long long m_entry = -1;     // the core's number for what is played
     long long m_lastEntry = -1; // and for the last one, when it is a playlist

@@ -51,6 +51,8 @@ void PlaySession::tick()
 {
     if (isFailing())
         failAsReported();
+    if (!m_ended)
+        awaitName(milliseconds(0));
     if (!m_ended && m_magnet)
         watchMagnet();
     if (!m_ended && m_rewind.active())

@@ -3,38 +3,13 @@
 
 #include "PlayerThread.h"
 #include "Log.h"
+#include "LooseThreads.h"
 
 #include <exception>
 #include <string>
-#include <thread>
 #include <utility>
 
 using namespace Desk;
-
-namespace {
-
-// The number of threads that have not ended. Never destroyed: a thread that a dead host holds may outlive main().
-struct Running
-{
-    std::mutex mutex;
-    std::condition_variable changed;
-    int count = 0;
-};
-
-Running &running()
-{
-    static auto *const instance = new Running;
-    return *instance;
-}
-
-void count(int change)
-{
-    const std::lock_guard<std::mutex> lock(running().mutex);
-    running().count += change;
-    running().changed.notify_all();
-}
-
-} // namespace
 
 PlayerThread::PlayerThread(std::shared_ptr<PlayerModel> model, std::shared_ptr<PlayerWindow> window)
     : m_model(std::move(model))
@@ -44,18 +19,8 @@ PlayerThread::PlayerThread(std::shared_ptr<PlayerModel> model, std::shared_ptr<P
 
 void PlayerThread::start()
 {
-    count(+1);
-    try {
-        // Nobody waits for it, since the end of a player may take as long as its stream takes to let go.
-        std::thread([self = shared_from_this()]() mutable {
-            self->run();
-            self.reset();
-            count(-1);
-        }).detach();
-    } catch (...) {
-        count(-1);
-        throw;
-    }
+    // The end of a player may take as long as its stream takes to let go.
+    LooseThreads::run([self = shared_from_this()] { self->run(); });
 }
 
 void PlayerThread::post(Task task)
@@ -78,12 +43,6 @@ bool PlayerThread::hasFailed()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_failed;
-}
-
-bool PlayerThread::waitForAll(std::chrono::milliseconds timeout)
-{
-    std::unique_lock<std::mutex> lock(running().mutex);
-    return running().changed.wait_for(lock, timeout, [] { return running().count == 0; });
 }
 
 PlayerThread::Wakeable::Wakeable(PlayerThread &thread, MpvCore &core)

@@ -5,7 +5,6 @@
 
 #include "Playback.h"
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -33,9 +32,6 @@ public:
     /// Whether the thread has ended because it could not go on. What is posted is then done by nobody.
     bool hasFailed();
 
-    /// Waits until no such thread is left in the process. False when some still run after timeout.
-    static bool waitForAll(std::chrono::milliseconds timeout);
-
 private:
     // While it lives, what is posted wakes the core.
     class Wakeable
@@ -57,7 +53,6 @@ private:
     const std::shared_ptr<PlayerModel> m_model;
     const std::shared_ptr<PlayerWindow> m_window;
     std::mutex m_mutex;
-    std::condition_variable m_posted;
     std::vector<Task> m_tasks;
     MpvCore *m_core = nullptr;
     bool m_closing = false;

@@ -109,6 +109,10 @@ void NameServer::answer()
     while (m_socket.hasPendingDatagrams()) {
         const QNetworkDatagram asked = m_socket.receiveDatagram();
         const QByteArray question = asked.data().mid(headSize, asked.data().indexOf('\0', headSize) + 5 - headSize);
+        if (question.toLower().contains("\6silent\7example")) {
+            ++m_unanswered;
+            continue;
+        }
         const bool isKnown = question.toLower().startsWith(m_name);
         const bool isFound = isKnown && qFromBigEndian<quint16>(question.constData() + m_name.size()) == 1;
         const auto word = [](quint16 value) { return QByteArray(1, char(value >> 8)) + char(value & 0xff); };

@@ -25,9 +25,12 @@ class NameServer : public QObject
 public:
     static constexpr char address[] = "127.0.0.53";
 
-    /// Answers this name with this address, and that it knows no other.
+    /// Answers this name with this address, and that it knows no other, but for those of silent.example, which it does
+    /// not answer.
     NameServer(const QByteArray &name, const QHostAddress &found);
     bool isListening() const;
+    /// How often it has been asked for what it does not answer.
+    int unanswered() const { return m_unanswered; }
 
 private:
     void answer();
@@ -35,4 +38,5 @@ private:
     QUdpSocket m_socket;
     QByteArray m_name; // as in a message
     QHostAddress m_found;
+    int m_unanswered = 0;
 };

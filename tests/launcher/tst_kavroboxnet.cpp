@@ -71,6 +71,18 @@ const Way ways[] = {
 };
 const int wayCount = int(std::size(ways));
 
+// Milliseconds for what must not wait for a name server, which is asked for a minute.
+constexpr int soon = 20000;
+
+// Ten seconds of silence.
+QByteArray silenceFile()
+{
+    const QByteArray samples(80000, '\x80');
+    return QByteArray::fromHex("52494646a4380100 57415645666d7420 10000000 01000100 401f0000 401f0000 01000800 64617461"
+                               "80380100")
+        + samples;
+}
+
 // A port of this PC that knows whether anybody has come.
 class Door
 {
@@ -128,6 +140,11 @@ private slots:
     void anAllowedHostIsReached();
     void aRefusalIsSaidOnceAndInThePagesConsole();
     void aRefusedPageHearsOfAnError();
+    void leavingDoesNotWaitForANameServer_data();
+    void leavingDoesNotWaitForANameServer();
+    void aRestartDoesNotWaitForANameServer();
+    void whatComesAfterSevenDeadSourcesPlays_data();
+    void whatComesAfterSevenDeadSourcesPlays();
 
 private:
     struct Outcome
@@ -159,7 +176,7 @@ void TestKavroBoxNet::initTestCase()
     }
     const QMap<QString, QByteArray> files = {
         {"/etc/hosts", "127.0.0.1 localhost inside.example\n203.0.113.7 portal.example\n"},
-        {"/etc/resolv.conf", QByteArray("nameserver ") + NameServer::address + '\n'},
+        {"/etc/resolv.conf", QByteArray("nameserver ") + NameServer::address + "\noptions timeout:60\n"},
         {"/etc/nsswitch.conf", "passwd: files\ngroup: files\nhosts: files dns\n"},
     };
     for (auto file = files.begin(); file != files.end(); ++file) {
@@ -381,6 +398,74 @@ void TestKavroBoxNet::aRefusedPageHearsOfAnError()
     for (const char *what : {"request", "image", "socket"})
         QVERIFY2(told().contains(what), what);
     QVERIFY(!door.isReached());
+}
+
+void TestKavroBoxNet::leavingDoesNotWaitForANameServer_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    const auto row = [](const char *name, const char *script) { QTest::newRow(name) << QByteArray(script); };
+    row("image", "new Image().src = 'http://silent.example/'");
+    row("request of a script", "var r = new XMLHttpRequest(); r.open('GET', 'http://silent.example/'); r.send()");
+    row("player", "StbMedia.PlayHttp(StbMedia.CreatePlayer(), 'http://silent.example/film.mp4', '')");
+    row("player with RTSP", "StbMedia.PlayRtsp(StbMedia.CreatePlayer(), 'rtsp://silent.example/film', 0, 1)");
+    row("tracker of a magnet link",
+        "StbMedia.PlayMagnet(StbMedia.CreatePlayer(), 'magnet:?xt=urn:btih:1123456789abcdef0123456789abcdef01234567"
+        "&tr=udp%3A%2F%2Fsilent.example%3A80%2Fannounce', '', 0, 0, 0, 0)");
+    row("recording", "StbPVR.AddRecord('http://silent.example/film.ts', 'film.ts', new Date(), 60)");
+    row("firmware", "StbDisplay.UpgradeFirmware('http://silent.example/image')");
+}
+
+void TestKavroBoxNet::leavingDoesNotWaitForANameServer()
+{
+    QFETCH(QByteArray, script);
+    const int before = m_names->unanswered();
+    m_server->serve("/", page("window.onload = function () { " + script + " }"));
+    begin({m_server->url().toString()});
+    QTRY_VERIFY_WITH_TIMEOUT(m_names->unanswered() > before, patience);
+    m_program->terminate();
+    QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, soon);
+    QCOMPARE(m_program->finish(), 0);
+}
+
+void TestKavroBoxNet::aRestartDoesNotWaitForANameServer()
+{
+    m_server->serve("/",
+                    page("window.onload = function () { new Image().src = 'http://silent.example/';"
+                         "setTimeout(function () { StbDisplay.Reboot(); }, 500); }"));
+    begin({m_server->url().toString()});
+    QTRY_VERIFY_WITH_TIMEOUT(!m_server->requestsFor("/").isEmpty(), patience);
+    const int before = m_names->unanswered();
+    QTRY_VERIFY_WITH_TIMEOUT(m_names->unanswered() > before, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(m_server->requestsFor("/").size() > 1, soon);
+}
+
+void TestKavroBoxNet::whatComesAfterSevenDeadSourcesPlays_data()
+{
+    QTest::addColumn<QByteArray>("play");
+    QTest::newRow("names that nobody answers")
+        << QByteArray("PlayHttp(player, 'http://no' + i + '.silent.example/a', '')");
+    QTest::newRow("magnet links with such a tracker")
+        << QByteArray("PlayMagnet(player, 'magnet:?xt=urn:btih:0123456789abcdef0123456789abcdef0123456' + i +"
+                      "'&tr=udp%3A%2F%2Fsilent.example%3A80%2Fannounce', '', 0, 0, 0, 0)");
+}
+
+void TestKavroBoxNet::whatComesAfterSevenDeadSourcesPlays()
+{
+    QFETCH(QByteArray, play);
+    m_server->serve("/silence.wav", HttpServer::Page{silenceFile(), "audio/wav"});
+    m_server->serve(
+        "/",
+        page("var player = StbMedia.CreatePlayer(), i = 0;"
+             "function next() { if (++i > 7) StbMedia.PlayHttp(player, location.origin + '/silence.wav', '');"
+             "else { StbMedia."
+             + play
+             + "; setTimeout(next, 200); } }"
+               "function look() { if (StbMedia.GetPlayerState(player) === 2) tell('plays');"
+               "else setTimeout(look, 50); }"
+               "window.onload = function () { next(); look(); };"));
+    begin({m_server->url().toString()});
+    QTRY_VERIFY_WITH_TIMEOUT(!m_server->requestsFor("/").isEmpty(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(told(), QStringList{"plays"}, soon);
 }
 
 QByteArray TestKavroBoxNet::requestFor(const QByteArray &host, const Door &door)
