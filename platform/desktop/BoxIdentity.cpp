@@ -4,6 +4,7 @@
 #include "BoxIdentity.h"
 #include "BoxPaths.h"
 #include "DurableFile.h"
+#include "LooseThreads.h"
 
 #include <random>
 
@@ -39,8 +40,11 @@ std::string BoxIdentity::serialNumber()
         std::uniform_int_distribution<int> number(0, 99999999);
         const std::string digits = std::to_string(number(random));
         const std::string made = "DESK" + std::string(8 - digits.size(), '0') + digits;
-        if (writeDurably(BoxPaths::serialNumber, made + '\n'))
+        // A page is told the same after a kill; for the disk it does not wait.
+        if (replaceFile(BoxPaths::serialNumber, made + '\n')) {
             m_serialNumber = made;
+            LooseThreads::run([] { makeDurable(BoxPaths::serialNumber); });
+        }
     }
     return *m_serialNumber;
 }

@@ -39,6 +39,25 @@ bool syncFolder(const std::string &path)
     return synced;
 }
 
+bool replace(const std::string &path, const std::string &content, bool isSynced)
+{
+    if (!Desk::makeFolderOf(path))
+        return false;
+    std::string temporary = path + ".XXXXXX";
+    const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (file < 0)
+        return fail("write", path);
+    const bool written = ::fchmod(file, 0644) == 0 && Common::writeWhole(file, content.data(), content.size())
+        && (!isSynced || ::fsync(file) == 0);
+    if (!written)
+        fail("write", path);
+    ::close(file);
+    if (written && (::rename(temporary.c_str(), path.c_str()) == 0 || fail("write", path)))
+        return true;
+    ::unlink(temporary.c_str());
+    return false;
+}
+
 } // namespace
 
 bool Desk::makeFolderOf(const std::string &path)
@@ -59,21 +78,22 @@ bool Desk::renameDurably(const std::string &from, const std::string &to)
 
 bool Desk::writeDurably(const std::string &path, const std::string &content)
 {
-    if (!makeFolderOf(path))
-        return false;
-    std::string temporary = path + ".XXXXXX";
-    const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
+    return replace(path, content, true) && syncFolder(folderOf(path));
+}
+
+bool Desk::replaceFile(const std::string &path, const std::string &content)
+{
+    return replace(path, content, false);
+}
+
+bool Desk::makeDurable(const std::string &path)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
-        return fail("write", path);
-    const bool written =
-        ::fchmod(file, 0644) == 0 && Common::writeWhole(file, content.data(), content.size()) && ::fsync(file) == 0;
-    if (!written)
-        fail("write", path);
+        return fail("open", path);
+    const bool synced = ::fsync(file) == 0 || fail("sync", path);
     ::close(file);
-    if (written && renameDurably(temporary, path))
-        return true;
-    ::unlink(temporary.c_str());
-    return false;
+    return synced && syncFolder(folderOf(path));
 }
 
 std::string Desk::readFile(const std::string &path)

@@ -11,6 +11,12 @@ namespace Desk {
 /// the missing folders of the path. On failure it logs why, returns false, and the old file is as it was.
 bool writeDurably(const std::string &path, const std::string &content);
 
+/// The same for a kill alone, without waiting for the disk: see makeDurable().
+bool replaceFile(const std::string &path, const std::string &content);
+
+/// Has a file that was replaced outlast a power loss too.
+bool makeDurable(const std::string &path);
+
 /// Brings a file that lies complete under a temporary name of the same folder to its final name, durably.
 bool renameDurably(const std::string &from, const std::string &to);
 

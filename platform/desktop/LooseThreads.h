@@ -8,7 +8,7 @@
 
 namespace Desk {
 
-/// Threads that nobody waits for, because a dead host or name server may hold them as long as it likes.
+/// Threads that nobody waits for, because a dead host, a name server or a disk may hold them as long as it likes.
 namespace LooseThreads {
 
 /// Runs a task on such a thread. Throws std::system_error when there can be no further one.

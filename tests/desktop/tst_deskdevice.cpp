@@ -20,6 +20,8 @@
 #include <array>
 #include <climits>
 #include <cstdio>
+#include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -29,8 +31,11 @@ constexpr char serialNumber[] = "/home/user/config/serial_number";
 constexpr char useOddFiles[] = "use-odd-files";
 constexpr char storeForever[] = "store-forever";
 constexpr char tellSerialNumber[] = "tell-serial-number";
+constexpr char tellNewSerialNumber[] = "tell-new-serial-number";
 constexpr char leaveInUpgrade[] = "leave-in-upgrade";
 constexpr int kills = 12;
+
+thread_local int syncs = 0; // of this thread
 
 QByteArray textOf(int (*get)(char **))
 {
@@ -60,6 +65,15 @@ int storeParametersForever()
     }
 }
 
+// What the child process of the test of a new serial number does: the number, and how often it waited for the disk.
+int tellNewSerialNumberAndStay()
+{
+    const QByteArray serial = textOf(KVR_GetDeviceSerialNumber);
+    std::printf("%s %d\n", serial.constData(), syncs);
+    std::fflush(stdout);
+    return ::pause();
+}
+
 // What the child process of the test of odd files does: the values, as often as a page may ask, then what it can
 // change.
 int readAndReplace()
@@ -73,6 +87,14 @@ int readAndReplace()
 
 } // namespace
 
+// In place of the C library's.
+extern "C" int fsync(int file)
+{
+    ++syncs;
+    static auto *const next = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "fsync"));
+    return next(file);
+}
+
 /// The desk box's identity, boot parameters, outputs and firmware.
 class TestDeskDevice : public QObject
 {
@@ -81,6 +103,7 @@ class TestDeskDevice : public QObject
 private slots:
     void theDeviceSaysWhoItIs();
     void theSerialNumberIsTheBoxs();
+    void aNewSerialNumberOutlastsAKillAndWaitsForNoDisk();
     void bootParametersAreKept_data();
     void bootParametersAreKept();
     void wrongBootParametersAreRefused();
@@ -118,6 +141,21 @@ void TestDeskDevice::theSerialNumberIsTheBoxs()
     other.start(QCoreApplication::applicationFilePath(), {tellSerialNumber});
     QVERIFY(other.waitForFinished());
     QCOMPARE(other.readAllStandardOutput(), serial);
+}
+
+void TestDeskDevice::aNewSerialNumberOutlastsAKillAndWaitsForNoDisk()
+{
+    QVERIFY(QFile::remove(serialNumber));
+    QProcess first;
+    first.start(QCoreApplication::applicationFilePath(), {tellNewSerialNumber});
+    QTRY_VERIFY(first.canReadLine());
+    const QList<QByteArray> told = first.readLine().trimmed().split(' ');
+    first.kill();
+    QVERIFY(first.waitForFinished());
+    QCOMPARE(told.size(), 2);
+    QVERIFY(!told[0].isEmpty());
+    QCOMPARE(told[1], QByteArray("0"));
+    QCOMPARE(boxFile(serialNumber), told[0] + '\n');
 }
 
 void TestDeskDevice::bootParametersAreKept_data()
@@ -392,6 +430,8 @@ int main(int argc, char *argv[])
         return storeParametersForever();
     if (role == useOddFiles)
         return readAndReplace();
+    if (role == tellNewSerialNumber)
+        return tellNewSerialNumberAndStay();
     if (role == tellSerialNumber)
         return std::fputs(textOf(KVR_GetDeviceSerialNumber), stdout) < 0;
     if (role == leaveInUpgrade && argc == 3)
