@@ -186,7 +186,10 @@ enum KVR_PlayerState {
     KVR_PLAYER_ERROR = 5  /* cannot be opened or played; the library's log says why */
 };
 
-/* A new idle player, its window full screen, visible and opaque. Returns its identifier, or a negative code. */
+/*
+ * A new idle player, its window full screen, visible and opaque. Returns its identifier, or a negative code. How many
+ * there can be at once is the box's.
+ */
 KVR_ID KVR_CreatePlayer(void);
 
 /* Stops and removes a player. Its identifier is not given to another player soon. */
@@ -201,7 +204,8 @@ int KVR_GetPlayerState(KVR_ID id);
 /*
  * The KVR_Play... functions start playback in the background, replacing what the player played: they return 0 as soon
  * as the request is accepted, and KVR_EVENT_STATE tells how it went on. videoPid, audioPid and subtitlePid choose the
- * tracks to begin with; -1 leaves the choice to the library.
+ * tracks to begin with; -1 leaves the choice to the library. KVR_ERR_INVALID_ARGUMENT for an empty address, a path that
+ * does not begin with a slash, a negative position or a mode that there is not.
  */
 
 /*
@@ -242,7 +246,10 @@ int KVR_Continue(KVR_ID id);
 /* Shows the next frame and stays paused. */
 int KVR_NextFrame(KVR_ID id);
 
-/* Seeks to a position in milliseconds. KVR_ERR_INVALID_STATE when nothing is loaded. */
+/*
+ * Seeks to a position in milliseconds. KVR_ERR_INVALID_STATE when nothing is loaded, KVR_ERR_NOT_SUPPORTED in a stream
+ * in which nobody can seek, KVR_ERR_INVALID_ARGUMENT for a negative position.
+ */
 int KVR_SetPosition(KVR_ID id, long long position);
 
 /* The position in milliseconds; 0 when nothing plays. */
@@ -251,7 +258,10 @@ long long KVR_GetPosition(KVR_ID id);
 /* The duration in milliseconds; 0 when it is not known, as for live streams. */
 long long KVR_GetDuration(KVR_ID id);
 
-/* 1 is normal, 2 twice as fast, negative speeds play backwards. KVR_ERR_INVALID_ARGUMENT for 0. */
+/*
+ * 1 is normal, 2 twice as fast, negative speeds play backwards. KVR_ERR_INVALID_ARGUMENT for 0, above 100 and below
+ * -100; KVR_ERR_NOT_SUPPORTED for a negative speed of a stream in which nobody can seek.
+ */
 int KVR_SetSpeed(KVR_ID id, int speed);
 
 /* The speed; -127 can be a speed no less than an unknown player, as the page sees it. */
@@ -280,7 +290,7 @@ int KVR_SetSubtitlePid(KVR_ID id, int pid);
 int KVR_GetTeletextPid(KVR_ID id);
 int KVR_SetTeletextPid(KVR_ID id, int pid);
 
-/* The teletext page, 100 to 899. */
+/* The teletext page, 100 to 899. KVR_ERR_INVALID_ARGUMENT for any other. */
 int KVR_GetTeletextPage(KVR_ID id);
 int KVR_SetTeletextPage(KVR_ID id, int page);
 
@@ -301,18 +311,21 @@ int KVR_GetVolume(KVR_ID id);
 int KVR_SetMute(KVR_ID id, int mute);
 int KVR_IsMute(KVR_ID id);
 
-/* The enlargement of the picture inside its window; 1.0 is unscaled. 0.1 to 10.0. */
+/* The enlargement of the picture inside its window; 1.0 is unscaled. KVR_ERR_INVALID_ARGUMENT unless 0.1 to 10.0. */
 int KVR_SetZoom(KVR_ID id, double zoom);
 double KVR_GetZoom(KVR_ID id);
 
 /* Frames per second of the stream, 0.0 when not known. */
 double KVR_GetFps(KVR_ID id);
 
-/* The rectangle of the screen, in pixels of the current resolution, that the player's picture fills. */
+/*
+ * The rectangle of the screen, in pixels of the current resolution, that the player's picture fills. It may lie
+ * anywhere. KVR_ERR_INVALID_ARGUMENT unless width and height are from 1 to twice those of the screen.
+ */
 int KVR_SetPlayerViewPort(KVR_ID id, const KVR_Rect *window);
 int KVR_GetPlayerViewPort(KVR_ID id, KVR_Rect *window);
 
-/* Opacity of the player's window, 0 to 255. */
+/* Opacity of the player's window, 0 to 255. KVR_ERR_INVALID_ARGUMENT for any other. */
 int KVR_SetPlayerAlphaLevel(KVR_ID id, int alpha);
 int KVR_GetPlayerAlphaLevel(KVR_ID id);
 
@@ -327,7 +340,9 @@ enum KVR_DisplayMode {
     KVR_DISPLAY_CROP = 2       /* undistorted, what sticks out is cut off */
 };
 
-/* How the picture is fitted into the player's window, an enum KVR_DisplayMode. */
+/*
+ * How the picture is fitted into the player's window, an enum KVR_DisplayMode. KVR_ERR_INVALID_ARGUMENT for any other.
+ */
 int KVR_SetPlayerDisplayMode(KVR_ID id, int mode);
 int KVR_GetPlayerDisplayMode(KVR_ID id);
 
@@ -339,7 +354,10 @@ int KVR_GetPlayerDisplayMode(KVR_ID id);
  */
 int KVR_SetResolution(int width, int height);
 
-/* The part of the graphics layer, in its pixels, that is shown; what lies outside is not drawn. */
+/*
+ * The part of the graphics layer, in its pixels, that is shown; what lies outside is not drawn.
+ * KVR_ERR_INVALID_ARGUMENT unless width and height are positive.
+ */
 int KVR_SetGraphicsViewport(const KVR_Rect *viewport);
 int KVR_GetGraphicsViewport(KVR_Rect *viewport);
 
@@ -347,7 +365,7 @@ int KVR_GetGraphicsViewport(KVR_Rect *viewport);
 int KVR_SetGraphicsVisible(int visible);
 int KVR_IsGraphicsVisible(void);
 
-/* Opacity of the graphics layer, 0 to 255. */
+/* Opacity of the graphics layer, 0 to 255. KVR_ERR_INVALID_ARGUMENT above. */
 int KVR_SetGraphicsAlphaLevel(unsigned int alpha);
 int KVR_GetGraphicsAlphaLevel(void);
 
@@ -362,8 +380,8 @@ int KVR_IsChromaKeyEnable(void);
 
 /*
  * The layout says how the players' windows share the screen. Layout 0 shows each window where KVR_SetPlayerViewPort
- * put it; what the others do, and how many there are, is the box's. KVR_SwitchToNextLayout goes to the next one,
- * after the last to 0, and returns the new number.
+ * put it; what the others do, and how many there are, is the box's. KVR_ERR_INVALID_ARGUMENT for one that there is not.
+ * KVR_SwitchToNextLayout goes to the next one, after the last to 0, and returns the new number.
  */
 int KVR_SetCurrentLayout(int layout);
 int KVR_GetCurrentLayout(void);
@@ -371,7 +389,8 @@ int KVR_SwitchToNextLayout(void);
 
 /*
  * The stacking order of the players' windows: player identifiers from the bottom to the top. Players that order does
- * not name stay below those that it does. order may be NULL when count is 0. KVR_GetOrder hands out a new array.
+ * not name stay below those that it does. order may be NULL when count is 0. KVR_ERR_INVALID_ARGUMENT for a player that
+ * there is not or that is named twice, and for a negative count. KVR_GetOrder hands out a new array.
  */
 int KVR_SetOrder(const int *order, int count);
 int KVR_GetOrder(int **order, int *count);
@@ -410,7 +429,10 @@ int KVR_SetBootParamValue(const char *key, const char *value);
 /* Brings all boot parameters to permanent storage, then sends KVR_EVENT_SYNC_DONE. May wait for the disk. */
 int KVR_SyncBootParams(void);
 
-/* Fetches a firmware image from url in the background, verifies that it arrived whole and installs it. */
+/*
+ * Fetches a firmware image from url in the background, verifies that it arrived whole and installs it.
+ * KVR_ERR_INVALID_ARGUMENT for an empty url, KVR_ERR_INVALID_STATE while another image is fetched.
+ */
 int KVR_UpgradeFirmware(const char *url);
 
 /* ---- Recordings ---- */
@@ -426,7 +448,8 @@ enum KVR_RecordState {
 /*
  * Schedules a recording of url into the box's storage. file: file name below the storage root /mnt/stb. start: seconds
  * since 1970-01-01 00:00 UTC; a time that is over starts it at once. duration: seconds. Returns the identifier of the
- * recording, or a negative code.
+ * recording, or a negative code: KVR_ERR_INVALID_ARGUMENT for an empty url or a duration that is not positive. A file
+ * name that cannot be used makes a recording that has failed.
  */
 KVR_ID KVR_AddRecord(const char *url, const char *file, uint32_t start, int duration);
 
@@ -439,7 +462,10 @@ int KVR_GetRecordsList(KVR_Record **records, int *count);
 /* An enum KVR_RecordState. */
 int KVR_GetRecordStatus(KVR_ID id);
 
-/* Change a recording that has not begun; KVR_ERR_INVALID_STATE later, but a running one can change its duration. */
+/*
+ * Change a recording that has not begun; KVR_ERR_INVALID_STATE later, but a running one can change its duration.
+ * KVR_ERR_INVALID_ARGUMENT for a duration that is not positive, a file name that cannot be used and an empty url.
+ */
 int KVR_SetRecordStartTime(KVR_ID id, uint32_t start);
 int KVR_SetRecordDuration(KVR_ID id, int duration);
 int KVR_SetRecordFilename(KVR_ID id, const char *file);
