@@ -5,6 +5,7 @@
 
 #include "BootParameterStore.h"
 #include "BoxIdentity.h"
+#include "BufferTimes.h"
 #include "EventRegistry.h"
 #include "Firmware.h"
 #include "GraphicsState.h"
@@ -27,6 +28,7 @@ struct Box
     PlayerTable players{events, screen, graphics};
     BoxIdentity identity;
     BootParameterStore bootParameters{events};
+    BufferTimeParameters bufferTimes{bootParameters};
     Firmware firmware;
     Recordings records{events};
 

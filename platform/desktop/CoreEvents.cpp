@@ -21,6 +21,11 @@ int wholeNumber(const mpv_event_property &property)
     return static_cast<int>(number(property));
 }
 
+std::string text(const mpv_event_property &property)
+{
+    return property.format == MPV_FORMAT_STRING ? *static_cast<char **>(property.data) : "";
+}
+
 bool flag(const mpv_event_property &property)
 {
     return property.format == MPV_FORMAT_FLAG && *static_cast<int *>(property.data);
@@ -55,6 +60,9 @@ const struct
     {"partially-seekable", MPV_FORMAT_FLAG,
      [](CoreListener &l, const Property &p) { l.partlySeekableChanged(flag(p)); }},
     {"paused-for-cache", MPV_FORMAT_FLAG, [](CoreListener &l, const Property &p) { l.bufferingChanged(flag(p)); }},
+    {"file-format", MPV_FORMAT_STRING, [](CoreListener &l, const Property &p) { l.formatChanged(text(p)); }},
+    {"demuxer-cache-duration", MPV_FORMAT_DOUBLE,
+     [](CoreListener &l, const Property &p) { l.bufferedChanged(number(p)); }},
     {"track-list", MPV_FORMAT_NODE, reportTracks},
 };
 

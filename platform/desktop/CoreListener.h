@@ -36,6 +36,10 @@ public:
 
     virtual void positionChanged(long long milliseconds) = 0;
     virtual void durationChanged(double seconds) = 0;
+    /// By which demuxer it is read, as FFmpeg names it: "mpegts", "hls".
+    virtual void formatChanged(const std::string &name) = 0;
+    /// What has been read of it and is still to be played.
+    virtual void bufferedChanged(double seconds) = 0;
     virtual void seekableChanged(bool isSeekable) = 0;
     /// Within what is buffered, as live streams are.
     virtual void partlySeekableChanged(bool isPartlySeekable) = 0;

@@ -27,6 +27,8 @@ PlayRequest request(PlayRequest::Kind kind, const char *address, int videoPid, i
     PlayRequest result;
     result.kind = kind;
     result.address = address;
+    if (kind == PlayRequest::Stream || kind == PlayRequest::Http)
+        result.bufferTimes = box().bufferTimes.times();
     result.videoPid = videoPid;
     result.audioPid = audioPid;
     result.subtitlePid = subtitlePid;

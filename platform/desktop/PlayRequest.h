@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "BufferTimes.h"
+
 #include <chrono>
 #include <string>
 #include <vector>
@@ -23,6 +25,7 @@ struct PlayRequest
     std::string torrentFile;          ///< file inside the torrent, or empty for the largest
     bool rtspOverTcp = false;
     double start = 0; ///< seconds
+    BufferTimes bufferTimes;
     int videoPid = -1;
     int audioPid = -1;
     int subtitlePid = -1;

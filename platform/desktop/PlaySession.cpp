@@ -25,6 +25,9 @@ constexpr std::chrono::milliseconds usualLookup{100};
 // And so long for that of a download, before it tells of an end.
 constexpr std::chrono::seconds usualEnd{2};
 
+// Of the player core, in seconds.
+constexpr double usualReadAhead = 1;
+
 std::string toSeconds(long long value)
 {
     return std::to_string(static_cast<double>(value) / 1000);
@@ -74,6 +77,26 @@ void PlaySession::awaitName(std::chrono::milliseconds time)
         load(m_request.address);
 }
 
+// Whether an address over HTTP is a playlist is known when it is open; until then, the longer time holds.
+std::optional<double> PlaySession::expectedBufferTime() const
+{
+    const BufferTimes &times = m_request.bufferTimes;
+    const std::string scheme = Address(m_request.address).scheme();
+    if (scheme == "udp" || scheme == "rtp")
+        return times.udp;
+    if (scheme == "http" || scheme == "https")
+        return std::max(times.http, times.hls); // one that is set is more than none
+    return std::nullopt;
+}
+
+std::optional<double> PlaySession::bufferTime() const
+{
+    const std::string scheme = Address(m_request.address).scheme();
+    if (scheme == "http" || scheme == "https")
+        return m_format == "hls" ? m_request.bufferTimes.hls : m_request.bufferTimes.http;
+    return expectedBufferTime();
+}
+
 void PlaySession::load(const std::string &address)
 {
     MpvCore::Options options;
@@ -86,6 +109,11 @@ void PlaySession::load(const std::string &address)
         options.emplace_back("sub-files-append", m_request.subtitles);
     if (m_request.kind == PlayRequest::Rtsp)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");
+    if (const std::optional<double> time = expectedBufferTime()) {
+        options.emplace_back("cache-pause-initial", "yes");
+        options.emplace_back("cache-pause-wait", std::to_string(*time));
+        options.emplace_back("demuxer-readahead-secs", std::to_string(std::max(*time, usualReadAhead)));
+    }
     m_core.set("pause", m_paused);
     m_core.set("speed", 1.0);
     m_core.load(RtpStream::addressFor(address), options, m_number);

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Desk {
@@ -67,6 +68,8 @@ private:
     void complained(const std::string &text) override;
     void positionChanged(long long milliseconds) override;
     void durationChanged(double seconds) override;
+    void formatChanged(const std::string &name) override;
+    void bufferedChanged(double seconds) override;
     void seekableChanged(bool isSeekable) override;
     void partlySeekableChanged(bool isPartlySeekable) override;
     void bufferingChanged(bool isBuffering) override;
@@ -75,6 +78,8 @@ private:
     void pictureHeightChanged(int pixels) override;
     void tracksChanged(std::shared_ptr<const TrackList> tracks) override;
 
+    std::optional<double> expectedBufferTime() const;
+    std::optional<double> bufferTime() const;
     void awaitName(std::chrono::milliseconds time);
     void load(const std::string &address);
     void watchMagnet();
@@ -123,6 +128,8 @@ private:
     std::string m_group;      // multicast group that was joined
     double m_from;            // seconds, where playing began or was last sent to
     double m_duration = 0;    // seconds
+    double m_buffered = 0;    // seconds
+    std::string m_format;     // its demuxer
     bool m_seekable = false;
     bool m_partlySeekable = false;
     Clock::time_point m_progress;

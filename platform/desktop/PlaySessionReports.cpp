@@ -24,6 +24,9 @@ using std::chrono::seconds;
 constexpr seconds patience{12};
 constexpr milliseconds positionInterval{500};
 
+// Seconds that the player core fills its buffer again after it ran empty.
+constexpr double usualPause = 1;
+
 // How much of the core's complaints the log repeats, in bytes.
 constexpr std::size_t mostComplaints = 300;
 
@@ -187,6 +190,24 @@ void PlaySession::durationChanged(double seconds)
 {
     m_duration = seconds;
     updateDuration();
+}
+
+void PlaySession::formatChanged(const std::string &name)
+{
+    m_format = name;
+    if (name.empty() || bufferTime() == expectedBufferTime())
+        return;
+    const std::optional<double> time = bufferTime();
+    m_core.set("file-local-options/cache-pause-initial", time.has_value());
+    m_core.set("file-local-options/cache-pause-wait", time.value_or(usualPause));
+}
+
+// What fills a buffer arrives.
+void PlaySession::bufferedChanged(double seconds)
+{
+    if (seconds > m_buffered)
+        madeProgress();
+    m_buffered = seconds;
 }
 
 void PlaySession::seekableChanged(bool isSeekable)

@@ -1,6 +1,8 @@
 // Copyright The Kavro STB browser authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "DeskEvents.h"
+#include "LiveSource.h"
 #include "Playing.h"
 #include "TestMedia.h"
 
@@ -12,6 +14,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QTest>
+#include <QTimer>
+#include <QUdpSocket>
 
 #include <algorithm>
 #include <map>
@@ -67,6 +71,44 @@ private:
     std::map<KVR_ID, Shown> m_shown;
 };
 
+// Sends the first quarter of a transport stream to ports of this PC, a little faster than it plays.
+class Sender
+{
+public:
+    Sender(const QByteArray &stream, bool isRtp)
+        : m_stream(stream.left(stream.size() / 4))
+        , m_header(isRtp ? QByteArray::fromHex("80210000 00000000 00000000") : QByteArray())
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { send(); });
+    }
+
+    /// A port that is sent to.
+    int addPort()
+    {
+        m_ports += freeUdpPort();
+        return m_ports.last();
+    }
+    void start() { m_timer.start(5); }
+
+private:
+    void send()
+    {
+        const QByteArray packet = m_stream.mid(m_sent, 7 * 188);
+        for (const int port : qAsConst(m_ports))
+            m_socket.writeDatagram(m_header + packet, QHostAddress(QHostAddress::LocalHost), quint16(port));
+        m_sent += packet.size();
+        if (m_sent == m_stream.size())
+            m_timer.stop();
+    }
+
+    const QByteArray m_stream;
+    const QByteArray m_header;
+    QList<int> m_ports;
+    QUdpSocket m_socket;
+    QTimer m_timer;
+    int m_sent = 0;
+};
+
 } // namespace
 
 /// What players make of files and playlists from the network, and how many play side by side.
@@ -83,9 +125,15 @@ private slots:
     void httpPlaysAPlaylistOfSegments();
     void httpFollowsARedirect();
     void whatStallsIsOpeningAgain();
+    void aPlayerBuffersAsLongAsItsBootParameterSays_data();
+    void aPlayerBuffersAsLongAsItsBootParameterSays();
+    void aBufferTimeThatIsNoneIsToldOnce_data();
+    void aBufferTimeThatIsNoneIsToldOnce();
     void fourPlayersPlaySmoothlySideBySide();
 
 private:
+    void serveBeginning(HttpServer *server);
+
     KVR_ID m_id = -1;
 };
 
@@ -164,6 +212,78 @@ void TestDeskStreams::whatStallsIsOpeningAgain()
     KVR_PlayHttp(m_id, server.url("/stalls.ts").toEncoded(), "", -1, -1, -1);
     QVERIFY(comesToPlay(m_id));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
+}
+
+// A quarter of the stream comes, which is three seconds, and nothing more.
+void TestDeskStreams::serveBeginning(HttpServer *server)
+{
+    const QByteArray stream = boxFile(bars);
+    server->serve("/bars.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, stream.size() / 4});
+    server->serve("/bars.m3u8", HttpServer::Page{boxFile(QString(web) + "/bars.m3u8"), "application/x-mpegURL"});
+    server->serve("/bars0.ts", HttpServer::Page{boxFile(QString(web) + "/bars0.ts"), "video/mp2t"});
+    server->serve("/bars1.ts", HttpServer::Page{stream, "video/mp2t", 200, {}, 0, 0});
+}
+
+void TestDeskStreams::aPlayerBuffersAsLongAsItsBootParameterSays_data()
+{
+    QTest::addColumn<QByteArray>("parameter");
+    QTest::addColumn<QByteArray>("address"); // of a port
+    QTest::newRow("file over HTTP") << QByteArray("buf_time_http") << QByteArray("http://127.0.0.1:%1/bars.ts");
+    QTest::newRow("playlist") << QByteArray("buf_time_hls") << QByteArray("http://127.0.0.1:%1/bars.m3u8");
+    QTest::newRow("UDP") << QByteArray("buf_time_udp") << QByteArray("udp://127.0.0.1:%1");
+    QTest::newRow("RTP") << QByteArray("buf_time_udp") << QByteArray("rtp://127.0.0.1:%1");
+}
+
+void TestDeskStreams::aPlayerBuffersAsLongAsItsBootParameterSays()
+{
+    QFETCH(QByteArray, parameter);
+    QFETCH(QByteArray, address);
+    const bool isHttp = address.startsWith("http:");
+    HttpServer server;
+    serveBeginning(&server);
+    Sender sender(boxFile(bars), address.startsWith("rtp:"));
+    const auto play = [&](KVR_ID id, const QByteArray &time) {
+        const int port = isHttp ? server.port() : sender.addPort();
+        const QByteArray url = QByteArray(address).replace("%1", QByteArray::number(port));
+        QCOMPARE(KVR_SetBootParamValue(parameter, time), int(KVR_OK));
+        QCOMPARE(KVR_PlayStream(id, url, -1, -1, -1), int(KVR_OK));
+    };
+    const KVR_ID other = KVR_CreatePlayer();
+    play(m_id, "10000");
+    play(other, "500");
+    QTest::qWait(500); // until both listen
+    sender.start();
+    QTRY_VERIFY_WITH_TIMEOUT(KVR_GetPosition(other) > 1000, 12000);
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
+    QVERIFY(KVR_GetPosition(m_id) < 100);
+    KVR_ClosePlayer(other);
+    KVR_SetBootParamValue(parameter, "");
+}
+
+void TestDeskStreams::aBufferTimeThatIsNoneIsToldOnce_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("words") << QByteArray("long");
+    QTest::newRow("below zero") << QByteArray("-1");
+    QTest::newRow("more than is allowed") << QByteArray("30001");
+    QTest::newRow("more than a number holds") << QByteArray("99999999999999999999");
+    QTest::newRow("with its unit") << QByteArray("500ms");
+    QTest::newRow("fraction") << QByteArray("0.5");
+    QTest::newRow("longest") << QByteArray(255, '9');
+}
+
+void TestDeskStreams::aBufferTimeThatIsNoneIsToldOnce()
+{
+    QFETCH(QByteArray, value);
+    HttpServer server;
+    server.serve("/bars.ts", HttpServer::Page{boxFile(bars), "video/mp2t"});
+    const ErrorOutput log;
+    QCOMPARE(KVR_SetBootParamValue("buf_time_http", value), int(KVR_OK));
+    for (int i = 0; i < 2; ++i)
+        KVR_PlayHttp(m_id, server.url("/bars.ts").toEncoded(), "", -1, -1, -1);
+    QVERIFY(comesToPlay(m_id));
+    QCOMPARE(log.text().count("the boot parameter buf_time_http is no number of milliseconds from 0 to 30000"), 1);
+    KVR_SetBootParamValue("buf_time_http", "");
 }
 
 void TestDeskStreams::fourPlayersPlaySmoothlySideBySide()

@@ -46,15 +46,34 @@ QVector<MarkdownFile::Piece> MarkdownFile::codeLines(const QString &language) co
     return pieces;
 }
 
-QStringList MarkdownFile::anchors() const
+QVector<MarkdownFile::Piece> MarkdownFile::codeSpansBelow(const QString &anchor) const
+{
+    QVector<Piece> pieces;
+    const QVector<Piece> all = codeSpans();
+    for (const Piece &piece : all) {
+        int heading = piece.line - 1;
+        while (heading >= 0 && anchorOf(m_lines.at(heading)).isEmpty())
+            --heading;
+        if (heading >= 0 && anchorOf(m_lines.at(heading)) == anchor)
+            pieces += piece;
+    }
+    return pieces;
+}
+
+QString MarkdownFile::anchorOf(const Line &line)
 {
     static const QRegularExpression heading("^#+ +(.*)$");
     static const QRegularExpression dropped(R"([^\w\- ])", QRegularExpression::UseUnicodePropertiesOption);
+    const QRegularExpressionMatch match = heading.match(line.text);
+    return line.isCode ? QString() : match.captured(1).toLower().remove(dropped).replace(' ', '-');
+}
+
+QStringList MarkdownFile::anchors() const
+{
     QStringList anchors;
     for (const Line &line : m_lines) {
-        const QRegularExpressionMatch match = heading.match(line.text);
-        if (!line.isCode && match.hasMatch())
-            anchors += match.captured(1).toLower().remove(dropped).replace(' ', '-');
+        if (const QString anchor = anchorOf(line); !anchor.isEmpty())
+            anchors += anchor;
     }
     return anchors;
 }

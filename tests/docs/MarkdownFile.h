@@ -24,6 +24,8 @@ public:
     QVector<Piece> links() const;
     /// What stands between backticks within the text.
     QVector<Piece> codeSpans() const;
+    /// The same between a heading, as links name it, and the next one.
+    QVector<Piece> codeSpansBelow(const QString &anchor) const;
     /// The lines of the code blocks in this language.
     QVector<Piece> codeLines(const QString &language) const;
     /// What links name the headings by.
@@ -38,6 +40,8 @@ private:
     };
 
     QVector<Piece> matches(const char *pattern) const;
+    // What links name a line by, if it is a heading.
+    static QString anchorOf(const Line &line);
 
     QVector<Line> m_lines;
 };

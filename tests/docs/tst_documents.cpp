@@ -94,6 +94,8 @@ private slots:
     void everyOptionIsDescribed();
     void everyNamedOptionExists_data();
     void everyNamedOptionExists();
+    void whatHasNoEffectIsInTheReference_data();
+    void whatHasNoEffectIsInTheReference();
     void everyCommandRuns_data();
     void everyCommandRuns();
     void theFirstPageDoesWhatItIsSaidToDo();
@@ -239,6 +241,31 @@ void TestDocuments::everyNamedOptionExists()
     QFETCH(QString, text);
     const QSet<QString> unknown = optionsIn(text) - optionsIn(m_help);
     QVERIFY2(unknown.isEmpty(), qPrintable("of these one is not known: " + text));
+}
+
+void TestDocuments::whatHasNoEffectIsInTheReference_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<QString>("name");
+    const QString document = "docs/desk-box.md";
+    const QVector<MarkdownFile::Piece> names = read(document).codeSpansBelow("what-has-no-effect");
+    QVERIFY(names.size() > 8);
+    addRows(document, names);
+}
+
+// Methods stand there with their arguments, and what is said of an argument or key by its name.
+void TestDocuments::whatHasNoEffectIsInTheReference()
+{
+    QFETCH(QString, name);
+    QSet<QString> known;
+    for (const char *object : {"StbDisplay", "StbMedia"}) {
+        const QVector<MarkdownFile::Piece> spans = read(QString("docs/api/%1.md").arg(object)).codeSpans();
+        for (const MarkdownFile::Piece &span : spans) {
+            known += span.text;
+            known += QString(object) + '.' + span.text;
+        }
+    }
+    QVERIFY2(known.contains(name), "neither a method of the reference with these arguments, nor a name there");
 }
 
 void TestDocuments::everyCommandRuns_data()
