@@ -43,6 +43,8 @@ void reportTracks(CoreListener &listener, const mpv_event_property &property)
         listener.tracksChanged(std::make_shared<const TrackList>(*static_cast<mpv_node *>(property.data)));
 }
 
+constexpr char byteProperty[] = "stream-pos";
+
 using Property = mpv_event_property;
 
 const struct
@@ -63,6 +65,11 @@ const struct
     {"file-format", MPV_FORMAT_STRING, [](CoreListener &l, const Property &p) { l.formatChanged(text(p)); }},
     {"demuxer-cache-duration", MPV_FORMAT_DOUBLE,
      [](CoreListener &l, const Property &p) { l.bufferedChanged(number(p)); }},
+    {"file-size", MPV_FORMAT_DOUBLE,
+     [](CoreListener &l, const Property &p) { l.sizeChanged(std::llround(number(p))); }},
+    {byteProperty, MPV_FORMAT_DOUBLE,
+     [](CoreListener &l, const Property &p) { l.byteChanged(std::llround(number(p))); }},
+    {"demuxer-via-network", MPV_FORMAT_FLAG, [](CoreListener &l, const Property &p) { l.viaNetworkChanged(flag(p)); }},
     {"track-list", MPV_FORMAT_NODE, reportTracks},
 };
 
@@ -122,6 +129,11 @@ void CoreEvents::observeTracks(MpvCore &core, std::uint64_t tag)
     }
 }
 
+void CoreEvents::askForByte(MpvCore &core, std::uint64_t tag)
+{
+    core.ask(byteProperty, MPV_FORMAT_DOUBLE, tag);
+}
+
 void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener &listener)
 {
     switch (event.event_id) {
@@ -145,6 +157,7 @@ void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener 
         listener.playbackRestarted();
         break;
     case MPV_EVENT_PROPERTY_CHANGE:
+    case MPV_EVENT_GET_PROPERTY_REPLY:
         if (event.reply_userdata == tag)
             reportProperty(*static_cast<mpv_event_property *>(event.data), listener);
         break;

@@ -20,6 +20,9 @@ void observe(MpvCore &core, std::uint64_t tag);
 /// The same of the tracks. Not before the stream is open: those of external files come last.
 void observeTracks(MpvCore &core, std::uint64_t tag);
 
+/// Has the core report how far into its bytes playing has come, which it does not do by itself.
+void askForByte(MpvCore &core, std::uint64_t tag);
+
 /// Tells the listener of an event. What belongs to an order or observation with another tag is left out.
 void report(const mpv_event &event, std::uint64_t tag, CoreListener &listener);
 

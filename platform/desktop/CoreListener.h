@@ -38,6 +38,11 @@ public:
     virtual void durationChanged(double seconds) = 0;
     /// By which demuxer it is read, as FFmpeg names it: "mpegts", "hls".
     virtual void formatChanged(const std::string &name) = 0;
+    /// How many bytes it has, 0 when nobody knows.
+    virtual void sizeChanged(long long bytes) = 0;
+    /// The byte that playing has come to; told when CoreEvents::askForByte() was called.
+    virtual void byteChanged(long long byte) = 0;
+    virtual void viaNetworkChanged(bool isViaNetwork) = 0;
     /// What has been read of it and is still to be played.
     virtual void bufferedChanged(double seconds) = 0;
     virtual void seekableChanged(bool isSeekable) = 0;

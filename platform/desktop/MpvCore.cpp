@@ -156,6 +156,11 @@ void MpvCore::observe(const char *property, mpv_format format, std::uint64_t tag
     mpv_observe_property(m_handle, tag, property, format);
 }
 
+void MpvCore::ask(const char *property, mpv_format format, std::uint64_t tag)
+{
+    count(mpv_get_property_async(m_handle, tag, property, format));
+}
+
 void MpvCore::unobserve(std::uint64_t tag)
 {
     mpv_unobserve_property(m_handle, tag);
@@ -164,7 +169,8 @@ void MpvCore::unobserve(std::uint64_t tag)
 const mpv_event *MpvCore::nextEvent(double timeout)
 {
     const mpv_event *event = mpv_wait_event(m_handle, timeout);
-    if (event->event_id == MPV_EVENT_SET_PROPERTY_REPLY || event->event_id == MPV_EVENT_COMMAND_REPLY)
+    if (event->event_id == MPV_EVENT_SET_PROPERTY_REPLY || event->event_id == MPV_EVENT_GET_PROPERTY_REPLY
+        || event->event_id == MPV_EVENT_COMMAND_REPLY)
         --m_repliesDue;
     return event;
 }

@@ -51,6 +51,8 @@ public:
 
     /// Has changes of a property reported with this tag, the present value first.
     void observe(const char *property, mpv_format format, std::uint64_t tag);
+    /// Has a property reported once with this tag, as a change is.
+    void ask(const char *property, mpv_format format, std::uint64_t tag);
     void unobserve(std::uint64_t tag);
 
     /// True while so much is to be done that events are to be taken before more is ordered: libmpv refuses orders when

@@ -3,6 +3,7 @@
 
 #include "PlaySession.h"
 #include "Address.h"
+#include "HlsLook.h"
 #include "Log.h"
 #include "MagnetDownload.h"
 #include "MagnetStream.h"

@@ -18,6 +18,7 @@
 
 namespace Desk {
 
+class HlsLook;
 class MagnetDownload;
 class MagnetStream;
 class PlayerWindow;
@@ -69,6 +70,9 @@ private:
     void positionChanged(long long milliseconds) override;
     void durationChanged(double seconds) override;
     void formatChanged(const std::string &name) override;
+    void sizeChanged(long long bytes) override { m_size = bytes; }
+    void byteChanged(long long byte) override;
+    void viaNetworkChanged(bool isViaNetwork) override { m_viaNetwork = isViaNetwork; }
     void bufferedChanged(double seconds) override;
     void seekableChanged(bool isSeekable) override;
     void partlySeekableChanged(bool isPartlySeekable) override;
@@ -80,6 +84,13 @@ private:
 
     std::optional<double> expectedBufferTime() const;
     std::optional<double> bufferTime() const;
+    void awaitLooks();
+    void awaitProgress(Clock::duration silence);
+    void tellTracks();
+    double reached() const;
+    double knownDuration() const { return m_seekable && !m_partlySeekable ? m_duration : 0; }
+    bool isCutOff() const;
+    void tellEnd(const Problem &problem);
     void awaitName(std::chrono::milliseconds time);
     void load(const std::string &address);
     void watchMagnet();
@@ -110,7 +121,13 @@ private:
     const PlayRequest m_request;
     const unsigned m_number;
     std::shared_ptr<MagnetDownload> m_magnet;
-    std::future<Problem> m_lookup; // of the host's name
+    std::future<Problem> m_lookup;   // of the host's name
+    std::unique_ptr<HlsLook> m_look; // at a playlist
+    std::future<std::vector<StreamName>> m_namesLook;
+    std::future<Problem> m_endLook;
+    std::future<Problem> m_stallLook;
+    std::vector<StreamName> m_names;
+    std::shared_ptr<const TrackList> m_tracks; // as the core tells them
 
     long long m_entry = -1;     // the core's number for what is played
     long long m_lastEntry = -1; // and for the last one, when it is a playlist
@@ -130,6 +147,9 @@ private:
     double m_duration = 0;    // seconds
     double m_buffered = 0;    // seconds
     std::string m_format;     // its demuxer
+    long long m_size = 0;     // bytes
+    long long m_byte = 0;     // that playing has come to
+    bool m_viaNetwork = false;
     bool m_seekable = false;
     bool m_partlySeekable = false;
     Clock::time_point m_progress;

@@ -5,6 +5,7 @@
 
 #include "CoreEvents.h"
 #include "Diagnosis.h"
+#include "HlsLook.h"
 #include "Log.h"
 #include "PlaySession.h"
 #include "PlayerWindow.h"
@@ -33,6 +34,12 @@ constexpr std::size_t mostComplaints = 300;
 // What comes to its end this much before its duration was cut off.
 constexpr double earlyEnd = 3; // seconds
 
+// The duration of a playlist is exact but for this.
+constexpr double exactEnd = 1; // seconds
+
+// No index at the end of a file takes a larger share of it.
+constexpr double mostIndex = 0.1;
+
 long long toMilliseconds(double value)
 {
     return std::max(0LL, std::llround(value * 1000));
@@ -56,6 +63,8 @@ void PlaySession::tick()
         failAsReported();
     if (!m_ended)
         awaitName(milliseconds(0));
+    if (!m_ended)
+        awaitLooks();
     if (!m_ended && m_magnet)
         watchMagnet();
     if (!m_ended && m_rewind.active())
@@ -68,11 +77,26 @@ void PlaySession::tick()
     if (playing && now - m_lastPositionEvent >= positionInterval) {
         m_lastPositionEvent = now;
         m_model.sendEvent(KVR_EVENT_POSITION);
+        if (m_viaNetwork && m_size > 0)
+            CoreEvents::askForByte(m_core, m_number);
     }
     if (m_started && m_paused)
         madeProgress();
-    if (now - m_progress > patience)
-        fail("nothing arrives");
+    awaitProgress(now - m_progress);
+}
+
+void PlaySession::awaitProgress(Clock::duration silence)
+{
+    // A playlist may tell why before it is too late.
+    if (silence <= patience - HlsLook::longest)
+        m_stallLook = {};
+    else if (m_look && !m_stallLook.valid())
+        m_stallLook = m_look->problemAtEnd();
+    if (silence <= patience)
+        return;
+    if (m_stallLook.valid() && m_stallLook.wait_for(seconds(0)) == std::future_status::ready)
+        m_complaints = m_stallLook.get().value_or(m_complaints);
+    fail("nothing arrives");
 }
 
 // The core tells the reason of a failure in its log, which may come after the failure itself.
@@ -195,11 +219,22 @@ void PlaySession::durationChanged(double seconds)
 void PlaySession::formatChanged(const std::string &name)
 {
     m_format = name;
+    if (name == "hls" && !m_look) {
+        m_look = std::make_unique<HlsLook>(m_request.address, m_request.headers);
+        m_namesLook = m_look->streamNames();
+    }
     if (name.empty() || bufferTime() == expectedBufferTime())
         return;
     const std::optional<double> time = bufferTime();
     m_core.set("file-local-options/cache-pause-initial", time.has_value());
     m_core.set("file-local-options/cache-pause-wait", time.value_or(usualPause));
+}
+
+// At its end the core knows none.
+void PlaySession::byteChanged(long long byte)
+{
+    if (byte > 0)
+        m_byte = byte;
 }
 
 // What fills a buffer arrives.
@@ -227,12 +262,35 @@ void PlaySession::updateDuration()
     change([this](PlayerStatus &status) {
         status.seekable = m_seekable;
         // The end of a live stream is only the end of what has come so far.
-        status.duration = m_seekable && !m_partlySeekable ? toMilliseconds(m_duration) : 0;
+        status.duration = toMilliseconds(knownDuration());
     });
 }
 
 void PlaySession::tracksChanged(std::shared_ptr<const TrackList> tracks)
 {
+    m_tracks = std::move(tracks);
+    // A playlist's have their PIDs then.
+    if (!m_namesLook.valid())
+        tellTracks();
+}
+
+void PlaySession::awaitLooks()
+{
+    const auto isReady = [](const auto &look) {
+        return look.valid() && look.wait_for(seconds(0)) == std::future_status::ready;
+    };
+    if (isReady(m_namesLook)) {
+        m_names = m_namesLook.get();
+        if (m_tracks)
+            tellTracks();
+    }
+    if (isReady(m_endLook))
+        tellEnd(m_endLook.get());
+}
+
+void PlaySession::tellTracks()
+{
+    auto tracks = std::make_shared<const TrackList>(m_tracks->named(m_names));
     change([&](PlayerStatus &status) {
         // A player begins with the first teletext of the stream, shown or not.
         if (!tracks->sameTracks(*status.tracks, TrackKind::Teletext))
@@ -292,16 +350,49 @@ void PlaySession::updateState()
 
 void PlaySession::reachEnd()
 {
-    const PlayerStatus status = m_model.status();
-    // Beyond the end, the core reports no position.
-    const double reached = std::max(static_cast<double>(status.position) / 1000, m_from);
-    // Only pictures have a duration that is known for sure.
-    const bool early = status.videoPid >= 0 && reached + earlyEnd < m_duration;
+    const bool isPlaylist = m_format == "hls";
+    m_core.unobserve(m_number); // the core forgets what it played
     if (!m_started)
         fail("there is nothing to play in it");
-    else if (early && status.session == m_number)
-        fail("it breaks off at " + std::to_string(status.position / 1000) + " of "
-             + std::to_string(toMilliseconds(m_duration) / 1000) + " seconds");
+    else if (isPlaylist && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
+        m_endLook = m_look->problemAtEnd(); // FFmpeg takes what does not come for the end
     else
+        tellEnd(std::nullopt);
+}
+
+// In seconds. Beyond the end, the core reports no position.
+double PlaySession::reached() const
+{
+    return std::max(static_cast<double>(m_model.status().position) / 1000, m_from);
+}
+
+bool PlaySession::isCutOff() const
+{
+    // Only pictures have a duration that is known for sure.
+    if (m_model.status().videoPid >= 0 && reached() + earlyEnd < m_duration)
+        return true;
+    if (!m_viaNetwork || m_size <= 0 || m_byte <= 0 || m_byte > m_size)
+        return false;
+    // The rest of the bytes that were promised, in seconds of those that came. Other files than transport streams may
+    // have an index at their end.
+    const double rest = static_cast<double>(m_size - m_byte);
+    const bool isLong = rest * std::max(reached(), 0.5) > earlyEnd * static_cast<double>(m_byte);
+    return isLong && (m_format == "mpegts" || rest > mostIndex * static_cast<double>(m_size));
+}
+
+void PlaySession::tellEnd(const Problem &problem)
+{
+    if (m_model.status().session != m_number || (!problem && !isCutOff())) {
         end(KVR_PLAYER_ENDED);
+        return;
+    }
+    if (problem)
+        m_complaints = *problem;
+    std::string reason = "it breaks off at " + std::to_string(m_model.status().position / 1000);
+    if (reached() + exactEnd < m_duration)
+        reason += " of " + std::to_string(toMilliseconds(m_duration) / 1000);
+    reason += " seconds";
+    if (!problem && m_size > 0)
+        reason += ", byte " + std::to_string(m_byte) + " of " + std::to_string(m_size);
+    fail(reason);
 }

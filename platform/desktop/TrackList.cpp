@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <string>
 
@@ -58,12 +59,9 @@ TrackKind kindOf(const std::string &type, const std::string &codec)
     return codec == "dvb_teletext" ? TrackKind::Teletext : TrackKind::Subtitle;
 }
 
-std::string description(const mpv_node &node, TrackKind kind, const std::string &codec)
+std::string codingOf(const mpv_node &node, TrackKind kind, const std::string &codec)
 {
-    std::string result = text(node, "lang");
-    if (!result.empty())
-        result += ", ";
-    result += codec.empty() ? "unknown" : codec;
+    std::string result = codec.empty() ? "unknown" : codec;
     if (kind == TrackKind::Video && number(node, "demux-w") > 0)
         result += ", " + std::to_string(number(node, "demux-w")) + "x" + std::to_string(number(node, "demux-h"));
     if (kind == TrackKind::Audio && number(node, "demux-channel-count") > 0)
@@ -84,11 +82,14 @@ Track trackOf(const mpv_node &node)
     track.number = number(node, "id");
     track.selected = flag(node, "selected");
     track.external = flag(node, "external");
-    track.entry.id = number(node, "src-id");
+    track.stream = number(node, "ff-index");
+    // What a separate file numbers is not this stream's.
+    track.pid = track.external ? 0 : number(node, "src-id");
+    track.language = text(node, "lang");
+    track.coding = codingOf(node, track.kind, codec);
     track.entry.supported = decoder ? 1 : 0;
     track.entry.encoding =
         descriptor && (descriptor->props & AV_CODEC_PROP_BITMAP_SUB) ? KVR_SUBTITLE_BITMAP : KVR_SUBTITLE_TEXT;
-    description(node, track.kind, codec).copy(track.entry.descr, sizeof track.entry.descr - 1);
     return track;
 }
 
@@ -103,19 +104,47 @@ TrackList::TrackList(const mpv_node &list)
 {
     if (list.format != MPV_FORMAT_NODE_ARRAY)
         return;
-    std::map<int, int> uses;
     for (int i = 0; i < list.u.list->num; ++i) {
-        const mpv_node &node = list.u.list->values[i];
-        m_tracks.push_back(trackOf(node));
-        // What a separate file numbers is not this stream's.
-        if (m_tracks.back().external)
-            m_tracks.back().entry.id = 0;
-        ++uses[m_tracks.back().entry.id];
+        m_tracks.push_back(trackOf(list.u.list->values[i]));
+        m_tracks.back().place = i;
     }
-    for (std::size_t i = 0; i < m_tracks.size(); ++i) {
-        KVR_Track &entry = m_tracks[i].entry;
-        if (entry.id <= 0 || uses[entry.id] > 1)
-            entry.id = firstMadeUpPid + static_cast<int>(i);
+    describe();
+}
+
+TrackList TrackList::named(const std::vector<StreamName> &names) const
+{
+    int best = 0;
+    for (const StreamName &name : names)
+        best = std::max(best, name.bitrate);
+    TrackList result;
+    for (Track track : m_tracks) {
+        if (!track.external && track.stream >= 0 && track.stream < static_cast<int>(names.size())) {
+            const StreamName &name = names[static_cast<std::size_t>(track.stream)];
+            if (name.bitrate > 0 && name.bitrate < best && !track.selected)
+                continue;
+            if (track.pid <= 0)
+                track.pid = name.pid;
+            if (track.language.empty())
+                track.language = name.language;
+        }
+        result.m_tracks.push_back(track);
+    }
+    result.describe();
+    return result;
+}
+
+// Fills in the entries' numbers and descriptions.
+void TrackList::describe()
+{
+    std::map<int, int> uses;
+    for (const Track &track : m_tracks)
+        ++uses[track.pid];
+    for (Track &track : m_tracks) {
+        const bool hasOwn = track.pid > 0 && uses[track.pid] == 1;
+        track.entry.id = hasOwn ? track.pid : firstMadeUpPid + track.place;
+        const std::string text = track.language.empty() ? track.coding : track.language + ", " + track.coding;
+        std::fill(std::begin(track.entry.descr), std::end(track.entry.descr), '\0');
+        text.copy(track.entry.descr, sizeof track.entry.descr - 1);
     }
 }
 

@@ -6,11 +6,20 @@
 #include "platform/stbapi.h"
 
 #include <mpv/client.h>
+#include <string>
 #include <vector>
 
 namespace Desk {
 
 enum class TrackKind { Video, Audio, Subtitle, Teletext };
+
+/// What tells of one stream, where the player core does not.
+struct StreamName
+{
+    int pid = 0;
+    std::string language;
+    int bitrate = 0; ///< of the variant that it belongs to, 0 when there is none
+};
 
 struct Track
 {
@@ -18,7 +27,12 @@ struct Track
     int number = 0; ///< by which the player core chooses it, among those of its kind
     bool selected = false;
     bool external = false; ///< from a file of its own
-    KVR_Track entry = {};  ///< as the KVR_ functions hand it out
+    int stream = -1;       ///< FFmpeg's number of it
+    int place = 0;         ///< in the core's list
+    int pid = 0;           ///< its own, 0 for none
+    std::string language;
+    std::string coding;
+    KVR_Track entry = {}; ///< as the KVR_ functions hand it out
 };
 
 /// The tracks of what a player plays.
@@ -29,6 +43,10 @@ public:
 
     /// From the player core's property "track-list".
     explicit TrackList(const mpv_node &list);
+
+    /// The same with what is known of FFmpeg's streams beside: tracks without a PID or a language get it from there,
+    /// and of the variants of a stream, which have the same tracks, those of the best one stay.
+    TrackList named(const std::vector<StreamName> &names) const;
 
     const std::vector<Track> &tracks() const { return m_tracks; }
     std::vector<KVR_Track> entries(TrackKind kind) const;
@@ -43,6 +61,8 @@ public:
 private:
     template <typename Test>
     const Track *firstThat(Test test) const;
+
+    void describe();
 
     std::vector<Track> m_tracks;
 };

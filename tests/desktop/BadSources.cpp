@@ -23,7 +23,9 @@ bool BadSources::prepare()
         qunsetenv(proxy);
     constexpr char whole[] = "/mnt/stb/whole.mp4";
     if (!TestMedia::makeBars(bars, 6)
-        || !TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-movflags", "faststart", whole}))
+        || !TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-movflags", "faststart", whole})
+        || !TestMedia::ffmpeg({"-i", bars, "-map", "0", "-c", "copy", "-f", "segment", "-segment_time", "1",
+                               "-segment_list_size", "0", "/mnt/stb/segment%d.ts"}))
         return false;
     const QByteArray film = boxFile(whole);
     const QByteArray stream = boxFile(bars);
@@ -38,9 +40,11 @@ bool BadSources::prepare()
     m_server.serve("/nothing", HttpServer::Page{"", "video/mp2t"});
     m_server.serve("/page", "<html><body>a page</body></html>");
     m_server.redirect("/circle", m_server.url("/circle"));
+    serveSegments();
     m_silent.fallSilent();
     m_refusing.refuse();
     m_truncating = std::make_unique<RawServer>(RawServer::cutOff(film.left(film.size() / 3), film.size()));
+    m_truncatingStream = std::make_unique<RawServer>(RawServer::cutOff(stream.left(stream.size() / 3), stream.size()));
     m_closing = std::make_unique<RawServer>(QByteArray());
 
     m_noisePort = freeUdpPort();
@@ -49,6 +53,24 @@ bool BadSources::prepare()
     });
     m_noiseTimer.start(10);
     return true;
+}
+
+// Playlists of which not all comes.
+void BadSources::serveSegments()
+{
+    QByteArray list = "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:1\n";
+    for (int i = 0; i < segments; ++i) {
+        const QByteArray name = "segment" + QByteArray::number(i) + ".ts";
+        list += "#EXTINF:1.0,\n" + name + '\n';
+        const HttpServer::Page segment{boxFile("/mnt/stb/" + name), "video/mp2t"};
+        m_server.serve('/' + name, segment);
+        m_server.serve("/half/" + name, i < segments / 2 ? segment : HttpServer::Page{"", "text/plain", 503});
+    }
+    const char type[] = "application/x-mpegURL";
+    m_server.serve("/half/list.m3u8", HttpServer::Page{list + "#EXT-X-ENDLIST\n", type});
+    m_server.serve("/unfinished.m3u8", HttpServer::Page{list, type});
+    // The core and FFmpeg ask once each before it plays.
+    m_server.serve("/failing.m3u8", HttpServer::Page{list, type, 200, {}, 0, -1, 2});
 }
 
 std::vector<BadSource> BadSources::all() const
@@ -67,6 +89,10 @@ std::vector<BadSource> BadSources::all() const
         {"nothing over HTTP", page("/nothing"), "unrecognized file format"},
         {"a web page", page("/page"), "unrecognized file format"},
         {"cut off over HTTP", m_truncating->url().toUtf8(), "breaks off at"},
+        {"cut off without a duration", m_truncatingStream->url().toUtf8(), "breaks off at"},
+        {"playlist of segments of which half fail", page("/half/list.m3u8"), "5XX", 2000},
+        {"playlist that fails while it plays", page("/failing.m3u8"), "5XX", 6000},
+        {"playlist that does not go on", page("/unfinished.m3u8"), "promises more", 6000},
         {"closes at once", m_closing->url().toUtf8(), "loading failed"},
         {"missing file", "/mnt/stb/missing.ts", "No such file"},
         {"folder", "/mnt/stb", "not a file or a stream"},

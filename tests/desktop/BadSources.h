@@ -44,6 +44,9 @@ public:
     static int play(KVR_ID id, const QByteArray &address);
 
 private:
+    static constexpr int segments = 6; // a second each
+
+    void serveSegments();
     QByteArray page(const char *path) const { return m_server.url(path).toEncoded(); }
 
     HttpServer m_server;
@@ -54,5 +57,6 @@ private:
     QTimer m_noiseTimer;
     int m_noisePort = 0;
     std::unique_ptr<RawServer> m_truncating;
+    std::unique_ptr<RawServer> m_truncatingStream;
     std::unique_ptr<RawServer> m_closing;
 };

@@ -6,23 +6,33 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-/// A server on loopback that answers whatever it is asked with the same bytes and closes the connection, for answers
-/// that no proper server gives.
+#include <functional>
+
+/// A server on loopback that answers with bytes as they are and closes the connection, for answers that no proper
+/// server gives.
 class RawServer : public QTcpServer
 {
     Q_OBJECT
 
 public:
+    /// The same, whatever it is asked.
     explicit RawServer(const QByteArray &answer)
+        : RawServer([answer](const QByteArray &) { return answer; })
+    {
+    }
+
+    /// answer: of a request's head.
+    explicit RawServer(const std::function<QByteArray(const QByteArray &)> &answer)
     {
         listen(QHostAddress::LocalHost);
         connect(this, &QTcpServer::newConnection, this, [this, answer] {
             QTcpSocket *socket = nextPendingConnection();
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
             connect(socket, &QTcpSocket::readyRead, socket, [socket, answer] {
-                if (!socket->readAll().contains("\r\n\r\n"))
+                const QByteArray request = socket->readAll();
+                if (!request.contains("\r\n\r\n"))
                     return;
-                socket->write(answer);
+                socket->write(answer(request));
                 socket->disconnectFromHost();
             });
         });

@@ -4,6 +4,7 @@
 #include "DeskEvents.h"
 #include "LiveSource.h"
 #include "Playing.h"
+#include "RawServer.h"
 #include "TestMedia.h"
 
 #include "launcher/PageServer.h"
@@ -18,6 +19,7 @@
 #include <QUdpSocket>
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -28,6 +30,8 @@ namespace {
 constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char web[] = "/mnt/stb/web";
 constexpr int barsSeconds = 12;
+constexpr char brief[] = "/mnt/stb/brief.ts";
+constexpr int briefSeconds = 5;
 constexpr double framesPerSecond = 25;
 
 // Counts the frames that each player shows, for as long as it lives.
@@ -70,6 +74,31 @@ private:
     mutable std::mutex m_mutex;
     std::map<KVR_ID, Shown> m_shown;
 };
+
+// PIDs and languages of a player's tracks.
+QStringList tracks(KVR_ID id, int (*list)(KVR_ID, KVR_Track **, int *))
+{
+    QStringList result;
+    KVR_Track *entries = nullptr;
+    int count = 0;
+    list(id, &entries, &count);
+    for (int i = 0; i < count; ++i) {
+        const QString description = QString::fromLatin1(entries[i].descr);
+        const QString language = description.section(", ", 0, 0);
+        const bool isLanguage = language == "rus" || language == "eng" || language == "deu";
+        result += QString::number(entries[i].id) + (isLanguage ? ' ' + language : QString());
+    }
+    std::free(entries);
+    return result;
+}
+
+// Makes a playlist of some tracks of the brief stream.
+bool makePlaylist(const char *name, const QStringList &options)
+{
+    return TestMedia::ffmpeg(
+        QStringList{"-i", brief} + options
+        + QStringList{"-c", "copy", "-hls_time", "1", "-hls_list_size", "0", QString(web) + '/' + name + ".m3u8"});
+}
 
 // Sends the first quarter of a transport stream to ports of this PC, a little faster than it plays.
 class Sender
@@ -125,6 +154,12 @@ private slots:
     void httpPlaysAPlaylistOfSegments();
     void httpFollowsARedirect();
     void whatStallsIsOpeningAgain();
+    void whatComesWholeHasEnded_data();
+    void whatComesWholeHasEnded();
+    void aConnectionThatBreaksOnceIsResumed();
+    void aLivePlaylistThatEndsHasEnded();
+    void aPlaylistHasThePidsAndLanguagesOfItsSegments_data();
+    void aPlaylistHasThePidsAndLanguagesOfItsSegments();
     void aPlayerBuffersAsLongAsItsBootParameterSays_data();
     void aPlayerBuffersAsLongAsItsBootParameterSays();
     void aBufferTimeThatIsNoneIsToldOnce_data();
@@ -132,6 +167,7 @@ private slots:
     void fourPlayersPlaySmoothlySideBySide();
 
 private:
+    void makePlaylists();
     void serveBeginning(HttpServer *server);
 
     KVR_ID m_id = -1;
@@ -144,6 +180,21 @@ void TestDeskStreams::initTestCase()
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0", "-c", "copy", QString(web) + "/bars.mp4"}));
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-map", "0:1", "-c", "copy", "-hls_time", "2",
                                "-hls_list_size", "0", QString(web) + "/bars.m3u8"}));
+    makePlaylists();
+}
+
+void TestDeskStreams::makePlaylists()
+{
+    QVERIFY(TestMedia::makeBars(brief, briefSeconds, "320x180"));
+    QVERIFY(makePlaylist("brief", {"-map", "0"}));
+    QVERIFY(makePlaylist("low", {"-map", "0"}));
+    QVERIFY(makePlaylist("picture", {"-map", "0:0"}));
+    QVERIFY(makePlaylist("rus", {"-map", "0:1", "-hls_segment_options", "mpegts_start_pid=768"}));
+    QVERIFY(makePlaylist("eng", {"-map", "0:2", "-hls_segment_options", "mpegts_start_pid=1024"}));
+    const QString key = QString(web) + "/key";
+    writeBoxFile(key, "0123456789abcdef");
+    writeBoxFile("/mnt/stb/key.txt", "key\n" + key.toUtf8() + '\n');
+    QVERIFY(makePlaylist("secret", {"-map", "0", "-hls_key_info_file", "/mnt/stb/key.txt"}));
 }
 
 void TestDeskStreams::init()
@@ -212,6 +263,115 @@ void TestDeskStreams::whatStallsIsOpeningAgain()
     KVR_PlayHttp(m_id, server.url("/stalls.ts").toEncoded(), "", -1, -1, -1);
     QVERIFY(comesToPlay(m_id));
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_OPENING));
+}
+
+void TestDeskStreams::whatComesWholeHasEnded_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<QByteArray>("body");
+    const QByteArray stream = boxFile(brief);
+    const QByteArray length = "Content-Length: " + QByteArray::number(stream.size()) + "\r\n";
+    const QByteArray packed = qCompress(stream).mid(4);
+    QTest::newRow("its length") << length << stream;
+    QTest::newRow("connection closed") << length + "Connection: close\r\n" << stream;
+    QTest::newRow("no length") << QByteArray() << stream;
+    QTest::newRow("in pieces") << QByteArray("Transfer-Encoding: chunked\r\n")
+                               << QByteArray::number(stream.size(), 16) + "\r\n" + stream + "\r\n0\r\n\r\n";
+    QTest::newRow("packed") << "Content-Encoding: deflate\r\nContent-Length: " + QByteArray::number(packed.size())
+            + "\r\n" << packed;
+}
+
+void TestDeskStreams::whatComesWholeHasEnded()
+{
+    QFETCH(QByteArray, head);
+    QFETCH(QByteArray, body);
+    const RawServer server("HTTP/1.1 200 OK\r\nContent-Type: video/mp2t\r\n" + head + "\r\n" + body);
+    QCOMPARE(KVR_PlayHttp(m_id, server.url().toUtf8(), "", -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING), 12000);
+    QTRY_VERIFY_WITH_TIMEOUT(KVR_GetPlayerState(m_id) != KVR_PLAYER_PLAYING, 12000);
+    QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+}
+
+void TestDeskStreams::aConnectionThatBreaksOnceIsResumed()
+{
+    const QByteArray stream = boxFile(brief);
+    int requests = 0;
+    const RawServer server([&](const QByteArray &request) {
+        const int range = request.toLower().indexOf("range: bytes=");
+        const int begin = range < 0 ? 0 : request.mid(range + 13, 12).split('-').first().toInt();
+        const QByteArray rest = stream.mid(begin);
+        const QByteArray size = QByteArray::number(stream.size());
+        return "HTTP/1.1 206 Partial Content\r\nAccept-Ranges: bytes\r\nContent-Range: bytes "
+            + QByteArray::number(begin) + '-' + QByteArray::number(stream.size() - 1) + '/' + size
+            + "\r\nContent-Length: " + QByteArray::number(rest.size()) + "\r\n\r\n"
+            + (++requests == 1 ? rest.left(stream.size() / 3) : rest);
+    });
+    QCOMPARE(KVR_PlayHttp(m_id, server.url().toUtf8(), "", -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED), 20000);
+    QVERIFY(requests > 1);
+}
+
+void TestDeskStreams::aLivePlaylistThatEndsHasEnded()
+{
+    HttpServer server;
+    const QByteArray whole = boxFile(QString(web) + "/brief.m3u8");
+    for (int i = 0; i < briefSeconds; ++i) {
+        const QByteArray name = "/brief" + QByteArray::number(i) + ".ts";
+        server.serve(name, HttpServer::Page{boxFile(web + name), "video/mp2t"});
+    }
+    const auto serve = [&](const QByteArray &list) {
+        server.serve("/brief.m3u8", HttpServer::Page{list, "application/x-mpegURL"});
+    };
+    serve(QByteArray(whole).replace("#EXT-X-ENDLIST\n", ""));
+    QCOMPARE(KVR_PlayHttp(m_id, server.url("/brief.m3u8").toEncoded(), "", -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING), 12000);
+    QCOMPARE(KVR_GetDuration(m_id), 0LL);
+    serve(whole);
+    QTRY_VERIFY_WITH_TIMEOUT(KVR_GetPlayerState(m_id) != KVR_PLAYER_PLAYING, 12000);
+    QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+}
+
+void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments_data()
+{
+    QTest::addColumn<QByteArray>("playlist");
+    QTest::addColumn<QStringList>("video");
+    QTest::addColumn<QStringList>("audio");
+    const QByteArray head = "#EXTM3U\n#EXT-X-VERSION:4\n";
+    QTest::newRow("of segments") << QByteArray("brief.m3u8") << QStringList{"256"} << QStringList{"257 rus", "258 eng"};
+    writeBoxFile(QString(web) + "/variants.m3u8",
+                 head
+                     + "#EXT-X-STREAM-INF:BANDWIDTH=500000\nlow.m3u8\n"
+                       "#EXT-X-STREAM-INF:BANDWIDTH=900000\nbrief.m3u8\n");
+    QTest::newRow("of variants") << QByteArray("variants.m3u8") << QStringList{"256"}
+                                 << QStringList{"257 rus", "258 eng"};
+    writeBoxFile(QString(web) + "/renditions.m3u8",
+                 head
+                     + "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"one\",DEFAULT=YES,URI=\"rus.m3u8\"\n"
+                       "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",LANGUAGE=\"deu\",NAME=\"a, b\",URI=\"eng.m3u8\"\n"
+                       "#EXT-X-STREAM-INF:BANDWIDTH=900000,AUDIO=\"a\"\npicture.m3u8\n");
+    QTest::newRow("with sound of their own")
+        << QByteArray("renditions.m3u8") << QStringList{"256"} << QStringList{"768 rus", "1024 deu"};
+    QTest::newRow("encrypted") << QByteArray("secret.m3u8") << QStringList{"8192"} << QStringList{"8193", "8194"};
+}
+
+void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments()
+{
+    QFETCH(QByteArray, playlist);
+    QFETCH(QStringList, video);
+    QFETCH(QStringList, audio);
+    PageServer server;
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
+    QCOMPARE(KVR_PlayHttp(m_id, server.address(playlist).toEncoded(), "", -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING), 12000);
+    QCOMPARE(tracks(m_id, KVR_GetVideoTrackList), video);
+    QCOMPARE(tracks(m_id, KVR_GetAudioTrackList), audio);
+    const int second = audio[1].section(' ', 0, 0).toInt();
+    QVERIFY(KVR_GetAudioPid(m_id) != second);
+    QCOMPARE(KVR_SetAudioPid(m_id, second), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetAudioPid(m_id), second);
+    QCOMPARE(KVR_PlayHttp(m_id, server.address(playlist).toEncoded(), "", -1, second, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetAudioPid(m_id), second, 12000);
 }
 
 // A quarter of the stream comes, which is three seconds, and nothing more.

@@ -24,6 +24,7 @@ public:
         entry.put("lang", text(language));
         entry.put("id", number(++m_count));
         entry.put("external", flag(isExternal));
+        entry.put("ff-index", number(isExternal ? 0 : m_count - 1));
         if (pid > 0)
             entry.put("src-id", number(pid));
     }
@@ -107,6 +108,8 @@ private slots:
     void tracksHaveThePidsOfTheirStream();
     void pidsThatAreMissingOrDoubleAreMadeUp();
     void aFileOfItsOwnHasNoPidsOfTheStream();
+    void aPlaylistsSegmentsNameWhatTheCoreDoesNot();
+    void ofVariantsThoseOfTheBestStay();
     void subtitlesAreTextOrPictures();
     void otherTracksAreTellable_data();
     void otherTracksAreTellable();
@@ -151,6 +154,39 @@ void TestTrackList::aFileOfItsOwnHasNoPidsOfTheStream()
     QCOMPARE(pids(tracks, TrackKind::Subtitle), QList<int>{0x2001});
     QCOMPARE(tracks.external(TrackKind::Subtitle)->number, 2);
     QVERIFY(!tracks.external(TrackKind::Video));
+}
+
+void TestTrackList::aPlaylistsSegmentsNameWhatTheCoreDoesNot()
+{
+    CoreTracks core;
+    core.add("video", "h264", 0);
+    core.add("audio", "mp2", 0);
+    core.add("audio", "mp2", 0, false, "deu");
+    core.add("audio", "mp2", 0);
+    core.add("sub", "subrip", 0, true);
+    const TrackList tracks = core.tracks().named({{256, ""}, {257, "rus"}, {258, "eng"}});
+    QCOMPARE(pids(tracks, TrackKind::Video), QList<int>{256});
+    QCOMPARE(pids(tracks, TrackKind::Audio), QList<int>({257, 258, 0x2003}));
+    QCOMPARE(pids(tracks, TrackKind::Subtitle), QList<int>{0x2004});
+    const std::vector<KVR_Track> audio = tracks.entries(TrackKind::Audio);
+    QCOMPARE(audio[0].descr, "rus, mp2");
+    QCOMPARE(audio[1].descr, "deu, mp2");
+    QCOMPARE(audio[2].descr, "mp2");
+    QVERIFY(!core.tracks().sameTracks(tracks, TrackKind::Audio));
+}
+
+void TestTrackList::ofVariantsThoseOfTheBestStay()
+{
+    CoreTracks core;
+    for (int i = 0; i < 2; ++i) {
+        core.add("video", "h264", 0);
+        core.add("audio", "mp2", 0);
+    }
+    core.add("audio", "mp2", 0);
+    const TrackList tracks = core.tracks().named({{256, "", 5}, {257, "", 5}, {256, "", 9}, {257, "", 9}, {300, ""}});
+    QCOMPARE(pids(tracks, TrackKind::Video), QList<int>{256});
+    QCOMPARE(pids(tracks, TrackKind::Audio), QList<int>({257, 300}));
+    QCOMPARE(tracks.find(TrackKind::Audio, 257)->number, 4);
 }
 
 void TestTrackList::subtitlesAreTextOrPictures()

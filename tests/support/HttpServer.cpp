@@ -143,7 +143,11 @@ void HttpServer::answer(QTcpSocket *socket, const QByteArray &path)
         socket->abort();
         return;
     }
-    const Page page = m_pages.value(path, {"There is nothing here.", "text/plain", 404});
+    Page page = m_pages.value(path, {"There is nothing here.", "text/plain", 404});
+    if (page.times == 0)
+        page = {"Not now.", "text/plain", 503};
+    else if (page.times > 0)
+        --m_pages[path].times;
     if (!page.answered)
         return;
     socket->write(headOf(page));

@@ -35,6 +35,7 @@ public:
         Headers headers = {}; ///< besides those for type, length and connection
         int pause = 0;        ///< milliseconds after each byte of the body; 0 sends all at once
         int stallAt = -1;     ///< number of bytes of the body after which nothing more comes; -1 sends all
+        int times = -1;       ///< so often, and 503 from then on; -1 always
         bool answered = true; ///< false takes the request and never answers
     };
 
