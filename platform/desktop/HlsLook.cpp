@@ -24,12 +24,17 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t largestPlaylist = 4 << 20; // bytes
 
+// What a playlist of the network, or of the box, may lead to: what FFmpeg's demuxer of playlists opens.
+constexpr char fromNetwork[] = "http,https,httpproxy,tls,tcp";
+constexpr char fromBox[] = "file,http,https,httpproxy,tls,tcp";
+
 // How one look goes about its requests.
 class Requests
 {
 public:
-    Requests(std::string headers, std::shared_ptr<std::atomic<bool>> cancelled)
-        : m_headers(std::move(headers))
+    Requests(bool isLocal, std::string headers, std::shared_ptr<std::atomic<bool>> cancelled)
+        : m_protocols(isLocal ? fromBox : fromNetwork)
+        , m_headers(std::move(headers))
         , m_cancelled(std::move(cancelled))
     {
     }
@@ -40,6 +45,7 @@ public:
     AVDictionary *options() const
     {
         AVDictionary *options = nullptr;
+        av_dict_set(&options, "protocol_whitelist", m_protocols, 0);
         av_dict_set(&options, "user_agent", "libmpv", 0); // the player core's
         av_dict_set(&options, "headers", m_headers.c_str(), 0);
         return options;
@@ -68,6 +74,7 @@ private:
         return *requests.m_cancelled || Clock::now() > requests.m_deadline ? 1 : 0;
     }
 
+    const char *const m_protocols;
     const std::string m_headers;
     const std::shared_ptr<std::atomic<bool>> m_cancelled;
     const Clock::time_point m_deadline = Clock::now() + HlsLook::longest;
@@ -198,7 +205,7 @@ std::future<Result> HlsLook::begin(Task task) const
     const auto answer = std::make_shared<std::promise<Result>>();
     std::future<Result> future = answer->get_future();
     LooseThreads::run([answer, task, address = m_address, headers = m_headers, cancelled = m_cancelled] {
-        Requests requests(headers, cancelled);
+        Requests requests(address.find("://") == std::string::npos, headers, cancelled);
         answer->set_value(task(requests, address));
     });
     return future;

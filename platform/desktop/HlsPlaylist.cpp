@@ -38,6 +38,11 @@ std::string attribute(const std::string &line, const std::string &name)
 
 std::string absolute(const std::string &base, const std::string &address)
 {
+    // Paths have no escapes.
+    if (base.find("://") == std::string::npos) {
+        const bool isWhole = address.find("://") != std::string::npos || address.front() == '/';
+        return isWhole ? address : base.substr(0, base.rfind('/') + 1) + address;
+    }
     const auto url = [](const std::string &text) { return QUrl::fromEncoded(QByteArray::fromStdString(text)); };
     return url(base).resolved(url(address)).toEncoded().toStdString();
 }

@@ -132,6 +132,7 @@ private:
     long long m_entry = -1;     // the core's number for what is played
     long long m_lastEntry = -1; // and for the last one, when it is a playlist
     bool m_inCore = false;      // the core has begun with it
+    bool m_isReplaced = false;  // by what its address is a list of
     bool m_tracksSelected = false;
     bool m_started = false;
     bool m_paused = false;

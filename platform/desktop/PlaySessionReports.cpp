@@ -140,6 +140,7 @@ void PlaySession::entryReplaced(long long entry, long long first, int count)
 {
     if (!isPlayed(entry))
         return;
+    m_isReplaced = true;
     m_entry = first;
     m_lastEntry = first + count - 1;
 }
@@ -219,7 +220,7 @@ void PlaySession::durationChanged(double seconds)
 void PlaySession::formatChanged(const std::string &name)
 {
     m_format = name;
-    if (name == "hls" && !m_look) {
+    if (name == "hls" && !m_look && !m_isReplaced) {
         m_look = std::make_unique<HlsLook>(m_request.address, m_request.headers);
         m_namesLook = m_look->streamNames();
     }
@@ -350,11 +351,10 @@ void PlaySession::updateState()
 
 void PlaySession::reachEnd()
 {
-    const bool isPlaylist = m_format == "hls";
     m_core.unobserve(m_number); // the core forgets what it played
     if (!m_started)
         fail("there is nothing to play in it");
-    else if (isPlaylist && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
+    else if (m_look && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
         m_endLook = m_look->problemAtEnd(); // FFmpeg takes what does not come for the end
     else
         tellEnd(std::nullopt);

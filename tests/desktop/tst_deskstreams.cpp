@@ -158,6 +158,7 @@ private slots:
     void whatComesWholeHasEnded();
     void aConnectionThatBreaksOnceIsResumed();
     void aLivePlaylistThatEndsHasEnded();
+    void aListOfPlaylistsEndsWithThem();
     void aPlaylistHasThePidsAndLanguagesOfItsSegments_data();
     void aPlaylistHasThePidsAndLanguagesOfItsSegments();
     void aPlayerBuffersAsLongAsItsBootParameterSays_data();
@@ -331,6 +332,17 @@ void TestDeskStreams::aLivePlaylistThatEndsHasEnded()
     QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
 }
 
+void TestDeskStreams::aListOfPlaylistsEndsWithThem()
+{
+    PageServer server;
+    QString error;
+    QVERIFY2(server.start(web, 0, &error), qPrintable(error));
+    writeBoxFile(QString(web) + "/channels.m3u",
+                 "#EXTM3U\n#EXTINF:-1,One\n" + server.address("brief.m3u8").toEncoded());
+    QCOMPARE(KVR_PlayHttp(m_id, server.address("channels.m3u").toEncoded(), "", -1, -1, -1), int(KVR_OK));
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED), 20000);
+}
+
 void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments_data()
 {
     QTest::addColumn<QByteArray>("playlist");
@@ -351,6 +363,8 @@ void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments_data()
                        "#EXT-X-STREAM-INF:BANDWIDTH=900000,AUDIO=\"a\"\npicture.m3u8\n");
     QTest::newRow("with sound of their own")
         << QByteArray("renditions.m3u8") << QStringList{"256"} << QStringList{"768 rus", "1024 deu"};
+    QTest::newRow("of the box itself") << QByteArray("/mnt/stb/web/brief.m3u8") << QStringList{"256"}
+                                       << QStringList{"257 rus", "258 eng"};
     QTest::newRow("encrypted") << QByteArray("secret.m3u8") << QStringList{"8192"} << QStringList{"8193", "8194"};
 }
 
@@ -362,7 +376,13 @@ void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments()
     PageServer server;
     QString error;
     QVERIFY2(server.start(web, 0, &error), qPrintable(error));
-    QCOMPARE(KVR_PlayHttp(m_id, server.address(playlist).toEncoded(), "", -1, -1, -1), int(KVR_OK));
+    const bool isFile = playlist.startsWith('/');
+    const QByteArray address = server.address(playlist).toEncoded();
+    const auto play = [&](int audioPid) {
+        return isFile ? KVR_PlayFile(m_id, playlist, 0, 0, 0, "", -1, audioPid, -1)
+                      : KVR_PlayHttp(m_id, address, "", -1, audioPid, -1);
+    };
+    QCOMPARE(play(-1), int(KVR_OK));
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING), 12000);
     QCOMPARE(tracks(m_id, KVR_GetVideoTrackList), video);
     QCOMPARE(tracks(m_id, KVR_GetAudioTrackList), audio);
@@ -370,7 +390,7 @@ void TestDeskStreams::aPlaylistHasThePidsAndLanguagesOfItsSegments()
     QVERIFY(KVR_GetAudioPid(m_id) != second);
     QCOMPARE(KVR_SetAudioPid(m_id, second), int(KVR_OK));
     QTRY_COMPARE(KVR_GetAudioPid(m_id), second);
-    QCOMPARE(KVR_PlayHttp(m_id, server.address(playlist).toEncoded(), "", -1, second, -1), int(KVR_OK));
+    QCOMPARE(play(second), int(KVR_OK));
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetAudioPid(m_id), second, 12000);
 }
 

@@ -27,6 +27,7 @@ class TestHlsPlaylist : public QObject
 
 private slots:
     void segmentsAreFoundFromTheListsAddress();
+    void aListOfTheBoxHasPaths();
     void aListThatEndsSaysSo();
     void playlistsComeInTheirOrderWithTheirBitrates();
     void theHeaderIsAFileOfItsOwn();
@@ -42,6 +43,12 @@ void TestHlsPlaylist::segmentsAreFoundFromTheListsAddress()
                             "http://example.com/4%20a.ts"};
     QCOMPARE(list.segments, expected);
     QVERIFY(list.playlists.empty());
+}
+
+void TestHlsPlaylist::aListOfTheBoxHasPaths()
+{
+    const HlsPlaylist list("#EXTM3U\n1 %20.ts\n/b/2.ts\nhttp://example.org/3.ts\n", "/mnt/stb/a b/list.m3u8");
+    QCOMPARE(list.segments, Texts({"/mnt/stb/a b/1 %20.ts", "/b/2.ts", "http://example.org/3.ts"}));
 }
 
 void TestHlsPlaylist::aListThatEndsSaysSo()
