@@ -82,6 +82,14 @@ void reportReply(const mpv_event &event, CoreListener &listener)
         listener.entryAdded(result.u.list->values[0].u.int64);
 }
 
+void reportSeekReply(unsigned seek, int error, CoreListener &listener)
+{
+    if (error < 0)
+        listener.seekRefused(seek);
+    else
+        listener.seekTaken(seek);
+}
+
 void reportEnd(const mpv_event_end_file &end, CoreListener &listener)
 {
     if (end.reason == MPV_END_FILE_REASON_REDIRECT)
@@ -140,6 +148,8 @@ void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener 
     case MPV_EVENT_COMMAND_REPLY:
         if (event.reply_userdata == tag)
             reportReply(event, listener);
+        else if (event.reply_userdata >> seekShift != 0 && static_cast<std::uint32_t>(event.reply_userdata) == tag)
+            reportSeekReply(static_cast<unsigned>(event.reply_userdata >> seekShift), event.error, listener);
         break;
     case MPV_EVENT_LOG_MESSAGE:
         reportComplaint(*static_cast<mpv_event_log_message *>(event.data), listener);
@@ -152,6 +162,9 @@ void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener 
         break;
     case MPV_EVENT_FILE_LOADED:
         listener.streamOpened();
+        break;
+    case MPV_EVENT_SEEK:
+        listener.seekBegun();
         break;
     case MPV_EVENT_PLAYBACK_RESTART:
         listener.playbackRestarted();

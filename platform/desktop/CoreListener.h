@@ -31,6 +31,10 @@ public:
     virtual void streamOpened() = 0;
     /// Pictures and sound run, at the start or after a seek.
     virtual void playbackRestarted() = 0;
+    /// An order to seek, by its number, has reached the core. What it begins next is this seek or a newer one.
+    virtual void seekTaken(unsigned seek) = 0;
+    virtual void seekRefused(unsigned seek) = 0;
+    virtual void seekBegun() = 0;
     /// What the core says on its way to a failure.
     virtual void complained(const std::string &text) = 0;
 

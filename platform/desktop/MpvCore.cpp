@@ -90,14 +90,14 @@ void MpvCore::set(const char *property, double value)
     count(mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value));
 }
 
-void MpvCore::command(const std::vector<std::string> &words)
+void MpvCore::command(const std::vector<std::string> &words, std::uint64_t tag)
 {
     std::vector<const char *> arguments;
     arguments.reserve(words.size() + 1);
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);
-    count(mpv_command_async(m_handle, 0, arguments.data()));
+    count(mpv_command_async(m_handle, tag, arguments.data()));
 }
 
 void MpvCore::selectTrack(TrackKind kind, int number)

@@ -34,7 +34,8 @@ public:
     void set(const char *property, const char *value) { set(property, std::string(value)); }
     void set(const char *property, bool value);
     void set(const char *property, double value);
-    void command(const std::vector<std::string> &words);
+    /// The reply, MPV_EVENT_COMMAND_REPLY, has this tag.
+    void command(const std::vector<std::string> &words, std::uint64_t tag = 0);
 
     /// number: Track::number of a track of this kind, 0 for none.
     void selectTrack(TrackKind kind, int number);

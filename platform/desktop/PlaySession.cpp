@@ -3,6 +3,7 @@
 
 #include "PlaySession.h"
 #include "Address.h"
+#include "CoreEvents.h"
 #include "HlsLook.h"
 #include "Log.h"
 #include "MagnetDownload.h"
@@ -177,9 +178,15 @@ void PlaySession::step()
 
 void PlaySession::seek(long long position)
 {
+    ++m_seeksTaken;
     if (m_rewind.active())
         m_rewind.start(-m_model.status().speed, position);
-    m_seeking = true;
+    goTo(position);
+}
+
+void PlaySession::goTo(long long position)
+{
+    m_seekIsTold = true;
     madeProgress();
     m_from = static_cast<double>(position) / 1000;
     seekCore(position);
@@ -189,14 +196,15 @@ void PlaySession::stopRewind()
 {
     if (!m_rewind.active())
         return;
-    const long long position = m_rewind.position();
+    const long long position = std::max(0LL, m_rewind.position());
     m_rewind.stop();
-    seek(std::max(0LL, position));
+    tellPosition(position);
+    goTo(position);
 }
 
 void PlaySession::seekCore(long long position)
 {
-    m_core.command({"seek", toSeconds(position), "absolute+exact"});
+    m_core.command({"seek", toSeconds(position), "absolute+exact"}, CoreEvents::seekTag(m_number, m_seek.order()));
 }
 
 void PlaySession::setSpeed(int speed)
@@ -223,11 +231,9 @@ void PlaySession::stepBackwards()
         end(KVR_PLAYER_ENDED);
         return;
     }
-    change([=](PlayerStatus &status) { status.position = position; });
-    if (!m_rewindSeeking) {
-        m_rewindSeeking = true;
+    tellPosition(position);
+    if (!m_seek.isUnderWay())
         seekCore(position);
-    }
 }
 
 void PlaySession::reportMulticast(bool join)

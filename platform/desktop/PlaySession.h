@@ -9,6 +9,7 @@
 #include "PlayerModel.h"
 #include "Problem.h"
 #include "Rewind.h"
+#include "SeekProgress.h"
 
 #include <chrono>
 #include <future>
@@ -39,6 +40,7 @@ public:
     void begin();
     void setPaused(bool paused);
     void step();
+    /// What the page has ordered, and PlayerStatus::seeks has counted.
     void seek(long long position);
     void setSpeed(int speed);
 
@@ -66,6 +68,9 @@ private:
     void entryEnded(long long entry, bool isWhole) override;
     void streamOpened() override;
     void playbackRestarted() override;
+    void seekTaken(unsigned seek) override;
+    void seekRefused(unsigned seek) override;
+    void seekBegun() override;
     void complained(const std::string &text) override;
     void positionChanged(long long milliseconds) override;
     void durationChanged(double seconds) override;
@@ -96,7 +101,10 @@ private:
     void watchMagnet();
     void selectRequestedTracks();
     void stopRewind();
+    void goTo(long long position);
     void seekCore(long long position);
+    void reachSeek();
+    void tellPosition(long long milliseconds);
     void stepBackwards();
     void updateState();
     void updateDuration();
@@ -137,19 +145,21 @@ private:
     bool m_started = false;
     bool m_paused = false;
     bool m_buffering = false;
-    bool m_seeking = false;
     bool m_ended = false;
     Rewind m_rewind;
-    bool m_rewindSeeking = false;
-    std::string m_complaints; // of the core
-    Problem m_failure;        // why the core has given up
-    std::string m_group;      // multicast group that was joined
-    double m_from;            // seconds, where playing began or was last sent to
-    double m_duration = 0;    // seconds
-    double m_buffered = 0;    // seconds
-    std::string m_format;     // its demuxer
-    long long m_size = 0;     // bytes
-    long long m_byte = 0;     // that playing has come to
+    SeekProgress m_seek;
+    bool m_seekIsTold = false;    // to the page, when it is over
+    unsigned m_seeksTaken = 0;    // of those that the page has ordered
+    long long m_corePosition = 0; // as the core told it last, milliseconds
+    std::string m_complaints;     // of the core
+    Problem m_failure;            // why the core has given up
+    std::string m_group;          // multicast group that was joined
+    double m_from;                // seconds, where playing began or was last sent to
+    double m_duration = 0;        // seconds
+    double m_buffered = 0;        // seconds
+    std::string m_format;         // its demuxer
+    long long m_size = 0;         // bytes
+    long long m_byte = 0;         // that playing has come to
     bool m_viaNetwork = false;
     bool m_seekable = false;
     bool m_partlySeekable = false;

@@ -131,6 +131,7 @@ void PlaySession::entryStarted(long long entry)
         return;
     m_entry = entry;
     m_inCore = true;
+    m_seek.forget();
     m_window.setShowing(true);
     reportMulticast(true);
     CoreEvents::observe(m_core, m_number);
@@ -174,20 +175,54 @@ void PlaySession::playbackRestarted()
     if (!m_inCore)
         return;
     m_started = true;
-    m_rewindSeeking = false;
     madeProgress();
     updateState();
-    if (m_seeking)
-        m_model.sendEvent(KVR_EVENT_POSITION);
-    m_seeking = false;
+    m_seek.restarted();
+    reachSeek();
+}
+
+void PlaySession::seekTaken(unsigned seek)
+{
+    m_seek.taken(seek);
+}
+
+void PlaySession::seekRefused(unsigned seek)
+{
+    m_seek.refused(seek);
+    if (!m_seek.isUnderWay())
+        tellPosition(m_corePosition);
+    reachSeek();
+}
+
+void PlaySession::seekBegun()
+{
+    m_seek.begun();
+}
+
+void PlaySession::reachSeek()
+{
+    if (m_seek.isUnderWay() || !m_seekIsTold)
+        return;
+    m_seekIsTold = false;
+    m_model.sendEvent(KVR_EVENT_POSITION);
 }
 
 void PlaySession::positionChanged(long long milliseconds)
 {
-    if (m_rewind.active() || m_seeking)
+    m_corePosition = milliseconds;
+    if (m_rewind.active() || m_seek.isUnderWay())
         return;
     madeProgress();
-    change([=](PlayerStatus &status) { status.position = milliseconds; });
+    tellPosition(milliseconds);
+}
+
+void PlaySession::tellPosition(long long milliseconds)
+{
+    change([=](PlayerStatus &status) {
+        // A seek of the page's that is still on its way to us has said where it leads.
+        if (status.seeks == m_seeksTaken)
+            status.position = milliseconds;
+    });
 }
 
 void PlaySession::bufferingChanged(bool isBuffering)

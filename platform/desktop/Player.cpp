@@ -131,6 +131,7 @@ int Player::setPosition(long long position)
             return KVR_ERR_NOT_SUPPORTED;
         const long long target = status.duration > 0 ? std::min(position, status.duration) : position;
         status.position = target;
+        ++status.seeks;
         orderSession([target](PlaySession &session) { session.seek(target); });
         return KVR_OK;
     });

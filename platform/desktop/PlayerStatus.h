@@ -18,6 +18,7 @@ struct PlayerStatus
     bool loaded = false; ///< the stream is open and its tracks are known
     bool seekable = false;
     long long position = 0; ///< milliseconds
+    unsigned seeks = 0;     ///< ordered since the session began; positions of the time before are out of date
     long long duration = 0; ///< milliseconds, 0 when not known
     int speed = 1;
     double fps = 0;

@@ -5,12 +5,16 @@
 
 #include "platform/stbapi.h"
 
+#include <QDeadlineTimer>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <condition_variable>
+#include <cstring>
 #include <dlfcn.h>
 #include <mpv/client.h>
 #include <mutex>
+#include <thread>
 
 namespace {
 
@@ -21,6 +25,9 @@ struct Core
     QStringList orders;
     int seeks = 0; // that were not carried out yet
     int mostSeeks = 0;
+    bool isHeld = false; // with the next position that it tells, until that is released
+    bool hasPosition = false;
+    std::condition_variable released;
 };
 
 Core &core()
@@ -54,6 +61,33 @@ void add(const QString &order)
     core().orders += order;
     if (order.startsWith("seek "))
         core().mostSeeks = std::max(core().mostSeeks, ++core().seeks);
+}
+
+bool tellsPosition(const mpv_event &event)
+{
+    return event.event_id == MPV_EVENT_PROPERTY_CHANGE
+        && !std::strcmp(static_cast<mpv_event_property *>(event.data)->name, "time-pos");
+}
+
+// Has the core tell a position, which arrives at release() only.
+void holdPosition()
+{
+    {
+        const std::lock_guard<std::mutex> lock(core().mutex);
+        core().isHeld = true;
+        core().hasPosition = false;
+    }
+    QTRY_VERIFY([] {
+        const std::lock_guard<std::mutex> lock(core().mutex);
+        return core().hasPosition;
+    }());
+}
+
+void releasePosition()
+{
+    const std::lock_guard<std::mutex> lock(core().mutex);
+    core().isHeld = false;
+    core().released.notify_all();
 }
 
 template <typename Function>
@@ -108,9 +142,13 @@ int mpv_command_node_async(mpv_handle *handle, uint64_t tag, mpv_node *command)
 mpv_event *mpv_wait_event(mpv_handle *handle, double timeout)
 {
     mpv_event *event = next<decltype(mpv_wait_event)>(__func__)(handle, timeout);
-    const std::lock_guard<std::mutex> lock(core().mutex);
+    std::unique_lock<std::mutex> lock(core().mutex);
     if (event->event_id == MPV_EVENT_PLAYBACK_RESTART)
         core().seeks = 0;
+    if (core().isHeld && tellsPosition(*event)) {
+        core().hasPosition = true;
+        core().released.wait(lock, [] { return !core().isHeld; });
+    }
     return event;
 }
 
@@ -135,6 +173,8 @@ private slots:
     void aRequestIsLoadedWithItsOptions();
     void aNewRequestPlaysAtNormalSpeed();
     void playingBackwardsSeeksOnceAtATime();
+    void aPositionFromBeforeASeekIsNotTold_data();
+    void aPositionFromBeforeASeekIsNotTold();
 
 private:
     void play();
@@ -294,6 +334,38 @@ void TestDeskCore::playingBackwardsSeeksOnceAtATime()
     QVERIFY(orders().filter("seek ").size() > 1);
     const std::lock_guard<std::mutex> lock(core().mutex);
     QCOMPARE(core().mostSeeks, 1);
+}
+
+void TestDeskCore::aPositionFromBeforeASeekIsNotTold_data()
+{
+    QTest::addColumn<int>("speed");
+    QTest::newRow("playing") << 1;
+    QTest::newRow("playing backwards") << -1;
+}
+
+void TestDeskCore::aPositionFromBeforeASeekIsNotTold()
+{
+    QFETCH(int, speed);
+    play();
+    QCOMPARE(KVR_SetPosition(m_id, 6000), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(m_id) > 6100);
+    QCOMPARE(KVR_SetSpeed(m_id, speed), int(KVR_OK));
+    for (const long long target : {10000LL, 3000LL}) {
+        holdPosition();
+        QCOMPARE(KVR_SetPosition(m_id, target), int(KVR_OK));
+        releasePosition();
+        // What is told is looked at all the time, until it has moved on.
+        long long distance = 0;
+        long long farthest = 0;
+        const QDeadlineTimer deadline(5000);
+        while (distance * speed <= 200 && !deadline.hasExpired()) {
+            distance = KVR_GetPosition(m_id) - target;
+            farthest = std::max(farthest, std::abs(distance));
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+        QVERIFY(!deadline.hasExpired());
+        QVERIFY2(farthest < 1000, qPrintable(QString("%1 ms").arg(farthest)));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestDeskCore)
