@@ -62,6 +62,7 @@ const struct
     {"partially-seekable", MPV_FORMAT_FLAG,
      [](CoreListener &l, const Property &p) { l.partlySeekableChanged(flag(p)); }},
     {"paused-for-cache", MPV_FORMAT_FLAG, [](CoreListener &l, const Property &p) { l.bufferingChanged(flag(p)); }},
+    {"core-idle", MPV_FORMAT_FLAG, [](CoreListener &l, const Property &p) { l.runningChanged(!flag(p)); }},
     {"file-format", MPV_FORMAT_STRING, [](CoreListener &l, const Property &p) { l.formatChanged(text(p)); }},
     {"demuxer-cache-duration", MPV_FORMAT_DOUBLE,
      [](CoreListener &l, const Property &p) { l.bufferedChanged(number(p)); }},

@@ -53,6 +53,8 @@ public:
     /// Within what is buffered, as live streams are.
     virtual void partlySeekableChanged(bool isPartlySeekable) = 0;
     virtual void bufferingChanged(bool isBuffering) = 0;
+    /// Whether pictures and sound move on.
+    virtual void runningChanged(bool isRunning) = 0;
     virtual void frameRateChanged(double framesPerSecond) = 0;
     virtual void pictureWidthChanged(int pixels) = 0;
     virtual void pictureHeightChanged(int pixels) = 0;

@@ -16,6 +16,9 @@ struct PlayRequest
 {
     enum Kind { File, Stream, Http, Rtsp, Magnet };
 
+    /// Whether the player core itself reads it from the network.
+    bool isRemote() const { return kind != File && kind != Magnet; }
+
     Kind kind = File;
     /// When it was asked.
     std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();

@@ -111,14 +111,23 @@ void PlaySession::load(const std::string &address)
         options.emplace_back("sub-files-append", m_request.subtitles);
     if (m_request.kind == PlayRequest::Rtsp)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");
+    fillBufferFirst(m_request.isRemote());
     if (const std::optional<double> time = expectedBufferTime()) {
-        options.emplace_back("cache-pause-initial", "yes");
         options.emplace_back("cache-pause-wait", std::to_string(*time));
         options.emplace_back("demuxer-readahead-secs", std::to_string(std::max(*time, usualReadAhead)));
     }
     m_core.set("pause", m_paused);
     m_core.set("speed", 1.0);
     m_core.load(RtpStream::addressFor(address), options, m_number);
+}
+
+// What is sent as it happens comes no faster than it plays: what is put by at the beginning is all that there is
+// against later delays. After a seek the page is not to wait longer than need be.
+void PlaySession::fillBufferFirst(bool first)
+{
+    if (m_fillsBufferFirst != first)
+        m_core.set("cache-pause-initial", first);
+    m_fillsBufferFirst = first;
 }
 
 void PlaySession::watchMagnet()
@@ -138,6 +147,7 @@ void PlaySession::end(KVR_PlayerState state)
     m_ended = true;
     m_core.unobserve(m_number);
     m_core.command({"stop"});
+    fillBufferFirst(false);
     m_magnetStream.setDownload(nullptr);
     const std::shared_future<void> magnetGone = m_magnet ? m_magnet->gone() : std::shared_future<void>();
     m_magnet.reset();

@@ -82,6 +82,7 @@ private:
     void seekableChanged(bool isSeekable) override;
     void partlySeekableChanged(bool isPartlySeekable) override;
     void bufferingChanged(bool isBuffering) override;
+    void runningChanged(bool isRunning) override;
     void frameRateChanged(double framesPerSecond) override;
     void pictureWidthChanged(int pixels) override;
     void pictureHeightChanged(int pixels) override;
@@ -98,6 +99,8 @@ private:
     void tellEnd(const Problem &problem);
     void awaitName(std::chrono::milliseconds time);
     void load(const std::string &address);
+    void fillBufferFirst(bool first);
+    bool isReady() const;
     void watchMagnet();
     void selectRequestedTracks();
     void stopRewind();
@@ -143,6 +146,8 @@ private:
     bool m_isReplaced = false;  // by what its address is a list of
     bool m_tracksSelected = false;
     bool m_started = false;
+    bool m_hasRun = false;
+    bool m_fillsBufferFirst = false;
     bool m_paused = false;
     bool m_buffering = false;
     bool m_ended = false;

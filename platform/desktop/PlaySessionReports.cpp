@@ -73,7 +73,7 @@ void PlaySession::tick()
         return;
 
     const Clock::time_point now = Clock::now();
-    const bool playing = m_started && !m_paused && !m_buffering;
+    const bool playing = isReady() && !m_paused && !m_buffering;
     if (playing && now - m_lastPositionEvent >= positionInterval) {
         m_lastPositionEvent = now;
         m_model.sendEvent(KVR_EVENT_POSITION);
@@ -102,8 +102,7 @@ void PlaySession::awaitProgress(Clock::duration silence)
 // The core tells the reason of a failure in its log, which may come after the failure itself.
 void PlaySession::failAsReported()
 {
-    const bool remote = m_request.kind != PlayRequest::File && m_request.kind != PlayRequest::Magnet;
-    if (const Problem reason = remote ? diagnose(m_request.address) : std::nullopt)
+    if (const Problem reason = m_request.isRemote() ? diagnose(m_request.address) : std::nullopt)
         m_complaints = *reason;
     fail(m_failure.value_or(std::string()));
 }
@@ -231,6 +230,15 @@ void PlaySession::bufferingChanged(bool isBuffering)
     updateState();
 }
 
+void PlaySession::runningChanged(bool isRunning)
+{
+    if (!isRunning || m_hasRun)
+        return;
+    m_hasRun = true;
+    fillBufferFirst(false);
+    updateState();
+}
+
 void PlaySession::frameRateChanged(double framesPerSecond)
 {
     change([=](PlayerStatus &status) { status.fps = framesPerSecond; });
@@ -262,7 +270,6 @@ void PlaySession::formatChanged(const std::string &name)
     if (name.empty() || bufferTime() == expectedBufferTime())
         return;
     const std::optional<double> time = bufferTime();
-    m_core.set("file-local-options/cache-pause-initial", time.has_value());
     m_core.set("file-local-options/cache-pause-wait", time.value_or(usualPause));
 }
 
@@ -373,13 +380,18 @@ void PlaySession::selectRequestedTracks()
         m_core.showTeletext(status.teletextVisible, teletext->number, status.teletextPage);
 }
 
+// Once the core has started, it may fill its buffer before it really runs.
+bool PlaySession::isReady() const
+{
+    return m_started && m_tracksSelected && (m_hasRun || m_paused || m_rewind.active());
+}
+
 void PlaySession::updateState()
 {
     KVR_PlayerState state = KVR_PLAYER_PLAYING;
-    const bool ready = m_started && m_tracksSelected;
-    if (ready && m_paused)
+    if (isReady() && m_paused)
         state = KVR_PLAYER_PAUSED;
-    else if (!ready || m_buffering)
+    else if (!isReady() || m_buffering)
         state = KVR_PLAYER_OPENING;
     change([=](PlayerStatus &status) { status.state = state; });
 }

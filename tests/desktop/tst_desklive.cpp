@@ -9,12 +9,16 @@
 #include "tests/support/BoxFile.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QNetworkInterface>
 #include <QProcess>
 #include <QTest>
 #include <QTimer>
 #include <QUdpSocket>
+#include <QUrl>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace {
@@ -23,6 +27,8 @@ constexpr char bars[] = "/mnt/stb/bars.ts";
 constexpr char film[] = "/mnt/stb/film.mkv";
 constexpr char other[] = "/mnt/stb/other.ts"; // whose picture has another PID
 constexpr int barsSeconds = 12;
+constexpr char small[] = "/mnt/stb/small.ts";
+constexpr int smallSeconds = 60;
 
 constexpr int transportPacketSize = 188;
 
@@ -56,6 +62,51 @@ QString multicast(KVR_ID id)
     return QString("%1 %2").arg(QString::fromLatin1(event.ip_port)).arg(event.join);
 }
 
+// Sends a small picture in real time, some of it at once each time.
+class BurstSource
+{
+public:
+    explicit BurstSource(const QString &address)
+        : m_stream(boxFile(small))
+        , m_host(QUrl(address).host())
+        , m_port(quint16(QUrl(address).port()))
+    {
+        m_socket.bind(QHostAddress(QHostAddress::LocalHost));
+        m_socket.setMulticastInterface(QNetworkInterface::interfaceFromName("lo"));
+        QObject::connect(&m_timer, &QTimer::timeout, &m_socket, [this] { send(); });
+        m_clock.start();
+        m_timer.start(interval);
+    }
+
+private:
+    static constexpr int interval = 600; // milliseconds
+    static constexpr int payload = 7 * transportPacketSize;
+
+    void send()
+    {
+        const qint64 due = m_clock.elapsed() * m_stream.size() / (smallSeconds * 1000);
+        for (; m_sent < due && m_sent < m_stream.size(); m_sent += payload)
+            m_socket.writeDatagram(m_stream.mid(int(m_sent), payload), m_host, m_port);
+    }
+
+    const QByteArray m_stream;
+    const QHostAddress m_host;
+    const quint16 m_port;
+    QUdpSocket m_socket;
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    qint64 m_sent = 0;
+};
+
+KVR_ID player = -1;
+QList<int> states; // that events told
+
+void noteState(int type)
+{
+    if (type == KVR_EVENT_STATE)
+        states += KVR_GetPlayerState(player);
+}
+
 } // namespace
 
 /// What players make of streams that are sent as they happen.
@@ -75,6 +126,8 @@ private slots:
     void multicastIsJoinedAndLeft();
     void aLiveStreamHasNoDurationAndNoWayBack();
     void aLiveStreamThatStopsIsAnError();
+    void aZapIsOneOpeningAndOnePlaying_data();
+    void aZapIsOneOpeningAndOnePlaying();
     void rtspPlays_data();
     void rtspPlays();
 
@@ -85,6 +138,7 @@ private:
 void TestDeskLive::initTestCase()
 {
     QVERIFY(TestMedia::makeBars(bars, barsSeconds));
+    QVERIFY(TestMedia::makeBars(small, smallSeconds, "160x90"));
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", film}));
     QVERIFY(TestMedia::ffmpeg({"-i", bars, "-map", "0:0", "-c", "copy", "-streamid", "0:600", other}));
 }
@@ -225,6 +279,35 @@ void TestDeskLive::aLiveStreamThatStopsIsAnError()
     source.stop();
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ERROR), 17000);
     QVERIFY2(log.text().contains("nothing arrives"), qPrintable(log.text()));
+}
+
+void TestDeskLive::aZapIsOneOpeningAndOnePlaying_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("unicast") << "udp://127.0.0.1:%1";
+    QTest::newRow("multicast") << "udp://239.255.77.3:%1?localaddr=127.0.0.1";
+}
+
+// Networks deliver what is sent as it happens in bursts.
+void TestDeskLive::aZapIsOneOpeningAndOnePlaying()
+{
+    QFETCH(QString, address);
+    constexpr int zaps = 4;
+    constexpr int watched = 2500; // milliseconds
+    const QStringList channels = {address.arg(freeUdpPort()), address.arg(freeUdpPort())};
+    const std::array<BurstSource, 2> sources = {BurstSource(channels[0]), BurstSource(channels[1])};
+    const DeskEvents events(m_id);
+    player = m_id;
+    DeskEvents::setReaction(noteState);
+    for (int zap = 0; zap < zaps; ++zap) {
+        DeskEvents::clear();
+        states.clear();
+        QCOMPARE(KVR_PlayStream(m_id, channels[zap % channels.size()].toUtf8(), -1, -1, -1), int(KVR_OK));
+        QVERIFY(comesToPlay(m_id));
+        QTest::qWait(watched);
+        DeskEvents::clear();
+        QCOMPARE(states, QList<int>({KVR_PLAYER_OPENING, KVR_PLAYER_PLAYING}));
+    }
 }
 
 void TestDeskLive::rtspPlays_data()
