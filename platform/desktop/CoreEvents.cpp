@@ -143,7 +143,7 @@ void CoreEvents::askForByte(MpvCore &core, std::uint64_t tag)
     core.ask(byteProperty, MPV_FORMAT_DOUBLE, tag);
 }
 
-void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener &listener)
+void CoreEvents::report(const mpv_event &event, MpvCore &core, std::uint64_t tag, CoreListener &listener)
 {
     switch (event.event_id) {
     case MPV_EVENT_COMMAND_REPLY:
@@ -160,6 +160,9 @@ void CoreEvents::report(const mpv_event &event, std::uint64_t tag, CoreListener 
         break;
     case MPV_EVENT_END_FILE:
         reportEnd(*static_cast<mpv_event_end_file *>(event.data), listener);
+        break;
+    case MPV_EVENT_HOOK:
+        listener.streamPrepared(core.duration());
         break;
     case MPV_EVENT_FILE_LOADED:
         listener.streamOpened();

@@ -32,7 +32,7 @@ constexpr std::uint64_t seekTag(unsigned tag, unsigned seek)
 }
 
 /// Tells the listener of an event. What belongs to an order or observation with another tag is left out.
-void report(const mpv_event &event, std::uint64_t tag, CoreListener &listener);
+void report(const mpv_event &event, MpvCore &core, std::uint64_t tag, CoreListener &listener);
 
 } // namespace CoreEvents
 

@@ -27,6 +27,8 @@ public:
     /// It has ended; isWhole tells whether at its own end.
     virtual void entryEnded(long long entry, bool isWhole) = 0;
 
+    /// The stream is open; nothing of it is played before this returns. seconds: its duration, 0 when not known.
+    virtual void streamPrepared(double seconds) = 0;
     /// The stream is open and all its tracks are known.
     virtual void streamOpened() = 0;
     /// Pictures and sound run, at the start or after a seek.

@@ -6,6 +6,7 @@
 #include <clocale>
 #include <stdexcept>
 #include <unistd.h>
+#include <utility>
 
 using namespace Desk;
 
@@ -57,6 +58,7 @@ MpvCore::MpvCore()
         throw std::runtime_error(std::string("libmpv cannot be started: ") + mpv_error_string(result));
     }
     mpv_request_log_messages(m_handle, "warn");
+    mpv_hook_add(m_handle, 0, "on_preloaded", 0);
 }
 
 MpvCore::~MpvCore()
@@ -168,11 +170,22 @@ void MpvCore::unobserve(std::uint64_t tag)
 
 const mpv_event *MpvCore::nextEvent(double timeout)
 {
+    if (const std::uint64_t hook = std::exchange(m_hook, 0))
+        mpv_hook_continue(m_handle, hook);
     const mpv_event *event = mpv_wait_event(m_handle, timeout);
+    if (event->event_id == MPV_EVENT_HOOK)
+        m_hook = static_cast<mpv_event_hook *>(event->data)->id;
     if (event->event_id == MPV_EVENT_SET_PROPERTY_REPLY || event->event_id == MPV_EVENT_GET_PROPERTY_REPLY
         || event->event_id == MPV_EVENT_COMMAND_REPLY)
         --m_repliesDue;
     return event;
+}
+
+double MpvCore::duration()
+{
+    double seconds = 0;
+    mpv_get_property(m_handle, "duration", MPV_FORMAT_DOUBLE, &seconds);
+    return seconds;
 }
 
 void MpvCore::count(int result)

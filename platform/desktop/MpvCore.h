@@ -60,8 +60,12 @@ public:
     /// 1,000 replies are due.
     bool isBusy() const { return m_repliesDue > 500; }
 
-    /// Waits for the next event, at most for this many seconds. Valid until the next call.
+    /// Waits for the next event, at most for this many seconds. Valid until the next call. With MPV_EVENT_HOOK the core
+    /// waits too: it has opened a stream and plays it from the next call on.
     const mpv_event *nextEvent(double timeout);
+
+    /// Of the stream that is open, in seconds, 0 when not known. Only while the core waits for us.
+    double duration();
 
     /// Has a nextEvent() that waits return. Any thread.
     void wakeUp();
@@ -72,6 +76,7 @@ private:
 
     mpv_handle *m_handle = nullptr;
     int m_repliesDue = 0;
+    std::uint64_t m_hook = 0; // for which the core waits, 0 when it does not
 };
 
 } // namespace Desk

@@ -66,6 +66,7 @@ private:
     void entryReplaced(long long entry, long long first, int count) override;
     void entryFailed(long long entry, const std::string &reason) override;
     void entryEnded(long long entry, bool isWhole) override;
+    void streamPrepared(double seconds) override;
     void streamOpened() override;
     void playbackRestarted() override;
     void seekTaken(unsigned seek) override;
@@ -112,6 +113,7 @@ private:
     void updateState();
     void updateDuration();
     void reachEnd();
+    bool beginsBeyondEnd() const;
     void failAsReported();
     void fail(const std::string &reason);
     void reportMulticast(bool join);
@@ -161,11 +163,13 @@ private:
     std::string m_group;          // multicast group that was joined
     double m_from;                // seconds, where playing began or was last sent to
     double m_duration = 0;        // seconds
+    double m_knownLength = 0;     // seconds, of what is played, as it was opened; 0 when not known
     double m_buffered = 0;        // seconds
     std::string m_format;         // its demuxer
     long long m_size = 0;         // bytes
     long long m_byte = 0;         // that playing has come to
     bool m_viaNetwork = false;
+    bool m_opened = false;
     bool m_seekable = false;
     bool m_partlySeekable = false;
     Clock::time_point m_progress;

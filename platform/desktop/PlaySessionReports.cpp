@@ -54,7 +54,7 @@ int pidOf(const Track *track)
 
 void PlaySession::handle(const mpv_event &event)
 {
-    CoreEvents::report(event, m_number, *this);
+    CoreEvents::report(event, m_core, m_number, *this);
 }
 
 void PlaySession::tick()
@@ -141,13 +141,16 @@ void PlaySession::entryReplaced(long long entry, long long first, int count)
     if (!isPlayed(entry))
         return;
     m_isReplaced = true;
+    m_from = 0; // of a list, nothing but its entries is played
     m_entry = first;
     m_lastEntry = first + count - 1;
 }
 
 void PlaySession::entryFailed(long long entry, const std::string &reason)
 {
-    if (isPlayed(entry))
+    if (isPlayed(entry) && beginsBeyondEnd())
+        end(KVR_PLAYER_ENDED);
+    else if (isPlayed(entry))
         m_failure = reason;
 }
 
@@ -159,6 +162,22 @@ void PlaySession::entryEnded(long long entry, bool isWhole)
         ++m_entry;
     else
         reachEnd();
+}
+
+void PlaySession::streamPrepared(double seconds)
+{
+    if (!m_inCore)
+        return;
+    m_opened = true;
+    m_knownLength = seconds;
+    if (seconds > 0 && beginsBeyondEnd())
+        end(KVR_PLAYER_ENDED);
+}
+
+// Of what has no known length, only the core can find its end.
+bool PlaySession::beginsBeyondEnd() const
+{
+    return m_opened && !m_started && m_from > 0 && m_from >= m_knownLength;
 }
 
 void PlaySession::streamOpened()
@@ -173,7 +192,8 @@ void PlaySession::playbackRestarted()
 {
     if (!m_inCore)
         return;
-    m_started = true;
+    if (!std::exchange(m_started, true))
+        tellPosition(m_corePosition);
     madeProgress();
     updateState();
     m_seek.restarted();
@@ -209,7 +229,7 @@ void PlaySession::reachSeek()
 void PlaySession::positionChanged(long long milliseconds)
 {
     m_corePosition = milliseconds;
-    if (m_rewind.active() || m_seek.isUnderWay())
+    if (!m_started || m_rewind.active() || m_seek.isUnderWay())
         return;
     madeProgress();
     tellPosition(milliseconds);
@@ -220,7 +240,7 @@ void PlaySession::tellPosition(long long milliseconds)
     change([=](PlayerStatus &status) {
         // A seek of the page's that is still on its way to us has said where it leads.
         if (status.seeks == m_seeksTaken)
-            status.position = milliseconds;
+            status.position = status.duration > 0 ? std::min(milliseconds, status.duration) : milliseconds;
     });
 }
 
@@ -399,7 +419,9 @@ void PlaySession::updateState()
 void PlaySession::reachEnd()
 {
     m_core.unobserve(m_number); // the core forgets what it played
-    if (!m_started)
+    if (beginsBeyondEnd())
+        end(KVR_PLAYER_ENDED);
+    else if (!m_started)
         fail("there is nothing to play in it");
     else if (m_look && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
         m_endLook = m_look->problemAtEnd(); // FFmpeg takes what does not come for the end

@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cmath>
 #include <vector>
@@ -29,6 +30,8 @@ constexpr char narrow[] = "/mnt/stb/narrow.mkv";
 constexpr char twoPictures[] = "/mnt/stb/two.ts";
 constexpr int secondVideoPid = 513;
 constexpr int barsSeconds = 24;
+constexpr char brief[] = "/mnt/stb/brief.ts";
+constexpr int briefSeconds = 3;
 constexpr int frameTime = 40; // milliseconds
 const QColor blue(0x20, 0x40, 0xc0);
 
@@ -70,7 +73,17 @@ bool moves(KVR_ID id, int speed)
     return false;
 }
 
-// Whether this process has a file open.
+KVR_ID player = -1;
+std::atomic<long long> excess; // of a position that was told over the duration, milliseconds
+
+void noteExcess(int)
+{
+    const long long position = KVR_GetPosition(player);
+    const long long duration = KVR_GetDuration(player);
+    if (duration > 0)
+        excess = std::max<long long>(excess, position - duration);
+}
+
 int playFile(KVR_ID id, const char *path, long long position = 0, const char *subtitles = "")
 {
     return KVR_PlayFile(id, path, position, 0, 0, subtitles, -1, -1, -1);
@@ -99,6 +112,8 @@ private slots:
     void nextFrameShowsOneFrame();
     void aSeekGoesWhereItShould_data();
     void aSeekGoesWhereItShould();
+    void beyondTheEndIsTheEnd_data();
+    void beyondTheEndIsTheEnd();
     void speedMovesThePosition_data();
     void speedMovesThePosition();
     void playingBackwardsEndsAtTheBeginning();
@@ -129,6 +144,7 @@ private:
 void TestDeskPlayers::initTestCase()
 {
     QVERIFY(TestMedia::makeBars(bars, barsSeconds));
+    QVERIFY(TestMedia::makeBars(brief, briefSeconds));
     QVERIFY(TestMedia::makeFilm(film, 10));
     QVERIFY(TestMedia::makeColor(wide, blue, "640x360", 10));
     QVERIFY(TestMedia::makeColor(narrow, blue, "480x360", 10));
@@ -328,6 +344,62 @@ void TestDeskPlayers::aSeekGoesWhereItShould()
     const long long position = KVR_GetPosition(m_id);
     QVERIFY2(position >= reached && position <= reached + (paused ? frameTime : 1000),
              qPrintable(QString::number(position)));
+}
+
+void TestDeskPlayers::beyondTheEndIsTheEnd_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("options");
+    const QStringList all = {"-map", "0", "-c", "copy"};
+    const QStringList sound = {"-map", "0:1"};
+    QTest::newRow("transport stream") << "end.ts" << all;
+    QTest::newRow("Matroska") << "end.mkv" << all;
+    QTest::newRow("Matroska without a duration") << "live.mkv" << all + QStringList{"-live", "1"};
+    QTest::newRow("MP4") << "end.mp4" << all;
+    QTest::newRow("QuickTime") << "end.mov" << QStringList{"-map", "0:0", "-c", "copy"};
+    QTest::newRow("AVI") << "end.avi" << all;
+    QTest::newRow("FLV") << "end.flv" << QStringList{"-map", "0:0", "-c", "copy"};
+    QTest::newRow("program stream") << "end.mpg" << all;
+    QTest::newRow("HLS") << "end.m3u8"
+                         << QStringList{"-map", "0:0", "-map", "0:1", "-c", "copy", "-hls_list_size", "0"};
+    QTest::newRow("HLS of MP4") << "end4.m3u8"
+                                << QStringList{"-map", "0:0", "-c", "copy", "-hls_list_size", "0", "-hls_segment_type",
+                                               "fmp4"};
+    QTest::newRow("MP3") << "end.mp3" << sound;
+    QTest::newRow("MP3 without a header") << "bare.mp3" << sound + QStringList{"-write_xing", "0"};
+    QTest::newRow("AAC") << "end.aac" << sound;
+    QTest::newRow("Ogg") << "end.ogg" << sound;
+    QTest::newRow("WAV") << "end.wav" << sound;
+    QTest::newRow("FLAC") << "end.flac" << sound;
+}
+
+// Where to begin, or to go on, may be what a page remembers of a longer file.
+void TestDeskPlayers::beyondTheEndIsTheEnd()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, options);
+    const QByteArray file = "/mnt/stb/" + name.toUtf8();
+    QVERIFY(TestMedia::ffmpeg(QStringList{"-i", brief} + options + QStringList{file}));
+    const DeskEvents events(m_id);
+    player = m_id;
+    DeskEvents::setReaction(noteExcess);
+    for (const long long position : {briefSeconds * 1000LL + 500, 3600000LL, LLONG_MAX}) {
+        excess = 0;
+        DeskEvents::clear();
+        QCOMPARE(playFile(m_id, file, position), int(KVR_OK));
+        QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+        DeskEvents::clear();
+        QCOMPARE(excess.load(), 0LL);
+    }
+    for (const long long position : {briefSeconds * 1000LL + 500, LLONG_MAX}) {
+        playFile(m_id, file);
+        QTRY_COMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_PLAYING));
+        QCOMPARE(KVR_SetPosition(m_id, position), int(KVR_OK));
+        while (KVR_GetPlayerState(m_id) == KVR_PLAYER_PLAYING)
+            noteExcess(KVR_EVENT_POSITION);
+        QCOMPARE(KVR_GetPlayerState(m_id), int(KVR_PLAYER_ENDED));
+        QCOMPARE(excess.load(), 0LL);
+    }
 }
 
 void TestDeskPlayers::speedMovesThePosition_data()
