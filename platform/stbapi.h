@@ -204,8 +204,9 @@ int KVR_GetPlayerState(KVR_ID id);
 /*
  * The KVR_Play... functions start playback in the background, replacing what the player played: they return 0 as soon
  * as the request is accepted, and KVR_EVENT_STATE tells how it went on. videoPid, audioPid and subtitlePid choose the
- * tracks to begin with; -1 leaves the choice to the library. KVR_ERR_INVALID_ARGUMENT for an empty address, a path that
- * does not begin with a slash, a negative position or a mode that there is not.
+ * tracks to begin with; -1 leaves the choice to the library. A position at the end or beyond it is the end:
+ * KVR_PLAYER_ENDED. KVR_ERR_INVALID_ARGUMENT for an empty address, a path that does not begin with a slash, a negative
+ * position or a mode that there is not.
  */
 
 /*
@@ -247,12 +248,13 @@ int KVR_Continue(KVR_ID id);
 int KVR_NextFrame(KVR_ID id);
 
 /*
- * Seeks to a position in milliseconds. KVR_ERR_INVALID_STATE when nothing is loaded, KVR_ERR_NOT_SUPPORTED in a stream
- * in which nobody can seek, KVR_ERR_INVALID_ARGUMENT for a negative position.
+ * Seeks to a position in milliseconds, beyond the end to the end. From then on KVR_GetPosition tells no position of the
+ * time before. KVR_ERR_INVALID_STATE when nothing is loaded, KVR_ERR_NOT_SUPPORTED, and no change, in a stream in which
+ * nobody can seek, KVR_ERR_INVALID_ARGUMENT for a negative position.
  */
 int KVR_SetPosition(KVR_ID id, long long position);
 
-/* The position in milliseconds; 0 when nothing plays. */
+/* The position in milliseconds, never beyond a duration that is known; 0 when nothing plays. */
 long long KVR_GetPosition(KVR_ID id);
 
 /* The duration in milliseconds; 0 when it is not known, as for live streams. */
@@ -311,7 +313,10 @@ int KVR_GetVolume(KVR_ID id);
 int KVR_SetMute(KVR_ID id, int mute);
 int KVR_IsMute(KVR_ID id);
 
-/* The enlargement of the picture inside its window; 1.0 is unscaled. KVR_ERR_INVALID_ARGUMENT unless 0.1 to 10.0. */
+/*
+ * The enlargement of the picture inside its window, in every display mode; 1.0 is unscaled. KVR_ERR_INVALID_ARGUMENT
+ * unless 0.1 to 10.0.
+ */
 int KVR_SetZoom(KVR_ID id, double zoom);
 double KVR_GetZoom(KVR_ID id);
 

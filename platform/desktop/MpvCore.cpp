@@ -123,6 +123,14 @@ void MpvCore::setDisplayMode(int mode)
     set("panscan", mode == KVR_DISPLAY_CROP ? 1.0 : 0.0);
 }
 
+void MpvCore::setStretch(double horizontal, double vertical)
+{
+    const bool isStretched = horizontal > 0;
+    set("video-scale-x", isStretched ? horizontal : 1.0);
+    set("video-scale-y", isStretched ? vertical : 1.0);
+    set("keepaspect", isStretched);
+}
+
 void MpvCore::addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open)
 {
     const int result = mpv_stream_cb_add_ro(m_handle, scheme, source, open);

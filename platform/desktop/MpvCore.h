@@ -42,6 +42,10 @@ public:
     void showTeletext(bool visible, int trackNumber, int page);
     void setDisplayMode(int mode);
 
+    /// A picture stretched to its window and enlarged, which the core does only for pictures that keep their shape: by
+    /// these factors it gets the window's. Both 0 for a picture that fills its window by itself.
+    void setStretch(double horizontal, double vertical);
+
     /// Has addresses of this scheme opened by a function, on a thread of the core's, with source as its first argument.
     /// Throws std::runtime_error when the core does not take it.
     void addScheme(const char *scheme, void *source, mpv_stream_cb_open_ro_fn open);

@@ -3,6 +3,7 @@
 
 #include "Playback.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Desk;
@@ -45,6 +46,37 @@ void Playback::stop()
     order([](PlaySession &session) { session.end(KVR_PLAYER_IDLE); });
 }
 
+void Playback::setDisplayMode(int mode)
+{
+    if (m_stretch.horizontal > 0)
+        m_core.setStretch(0, 0);
+    m_stretch = {};
+    m_core.setDisplayMode(mode);
+}
+
+// What a zoomed picture is stretched by, in a window that it would fill without the zoom.
+Playback::Stretch Playback::stretch() const
+{
+    const PlayerStatus status = m_model.status();
+    if (status.displayMode != KVR_DISPLAY_STRETCH || status.zoom == 1.0 || status.pictureWidth <= 0
+        || status.pictureHeight <= 0)
+        return {};
+    const KVR_Rect place = m_window.place();
+    const double change = static_cast<double>(place.width) * status.pictureHeight
+        / (static_cast<double>(place.height) * status.pictureWidth);
+    return {std::max(change, 1.0), std::max(1 / change, 1.0)};
+}
+
+// The shapes of window and picture change at any time.
+void Playback::stretchPicture()
+{
+    const Stretch wanted = stretch();
+    if (wanted.horizontal == m_stretch.horizontal && wanted.vertical == m_stretch.vertical)
+        return;
+    m_stretch = wanted;
+    m_core.setStretch(wanted.horizontal, wanted.vertical);
+}
+
 void Playback::order(const std::function<void(PlaySession &)> &order)
 {
     if (!m_session)
@@ -63,4 +95,5 @@ void Playback::work()
         event = m_core.nextEvent(0);
     }
     order([](PlaySession &session) { session.tick(); });
+    stretchPicture();
 }

@@ -25,6 +25,7 @@ public:
     ~Playback();
 
     MpvCore &core() { return m_core; }
+    void setDisplayMode(int mode);
 
     /// Plays something else. number: PlayerStatus::session of the session that begins.
     void open(const PlayRequest &request, unsigned number);
@@ -37,12 +38,22 @@ public:
     void work();
 
 private:
+    struct Stretch // factors
+    {
+        double horizontal = 0;
+        double vertical = 0;
+    };
+
+    Stretch stretch() const;
+    void stretchPicture();
+
     PlayerModel &m_model;
     PlayerWindow &m_window;
     MagnetStream m_magnetStream; // the core reads from both
     RtpStream m_rtpStream;
     MpvCore m_core;
     FrameRenderer m_renderer;
+    Stretch m_stretch; // that the core has
     std::unique_ptr<PlaySession> m_session;
 };
 

@@ -79,7 +79,7 @@ int Player::play(const PlayRequest &request)
             auto thread = std::make_shared<PlayerThread>(m_model, m_window);
             thread->start();
             m_thread = std::move(thread);
-            orderCore([mode = status.displayMode](MpvCore &core) { core.setDisplayMode(mode); });
+            post([mode = status.displayMode](Playback &playback) { playback.setDisplayMode(mode); });
         }
         status.beginSession(KVR_PLAYER_OPENING);
         post([request, number = status.session](Playback &playback) { playback.open(request, number); });
@@ -255,7 +255,7 @@ int Player::setDisplayMode(int mode)
         return KVR_ERR_INVALID_ARGUMENT;
     return change([&](PlayerStatus &status) {
         status.displayMode = mode;
-        orderCore([mode](MpvCore &core) { core.setDisplayMode(mode); });
+        post([mode](Playback &playback) { playback.setDisplayMode(mode); });
         return KVR_OK;
     });
 }

@@ -259,8 +259,8 @@ void TestDeskCore::whatIsSetWhileItPlaysIsTold()
     QCOMPARE(call(m_id), int(KVR_OK));
     QTRY_VERIFY(!orders().isEmpty());
     // Orders are carried out one after the other.
-    KVR_SetZoom(m_id, 4);
-    QTRY_COMPARE(lastOrder(), QString("video-zoom=2"));
+    KVR_SetVolume(m_id, 7);
+    QTRY_COMPARE(lastOrder(), QString("volume=7"));
     QTEST(QStringList(orders().mid(0, orders().size() - 1)), "told");
 }
 

@@ -127,7 +127,9 @@ private slots:
     void settingsOutliveARequest();
     void pictureFillsTheWindowAsTheDisplayModeSays_data();
     void pictureFillsTheWindowAsTheDisplayModeSays();
+    void zoomScalesThePicture_data();
     void zoomScalesThePicture();
+    void aStretchedPictureIsZoomedInWhateverWindow();
     void aPausedPictureFollowsItsWindow();
     void aHiddenWindowGetsItsPictureBack();
     void subtitlesAreChosenShownAndHidden();
@@ -614,18 +616,69 @@ void TestDeskPlayers::pictureFillsTheWindowAsTheDisplayModeSays()
     QVERIFY(isAbout(playerPicture(m_id).pixelColor(320, 3), blue));
 }
 
+void TestDeskPlayers::zoomScalesThePicture_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("letter box") << int(KVR_DISPLAY_LETTERBOX);
+    QTest::newRow("stretched") << int(KVR_DISPLAY_STRETCH);
+    QTest::newRow("cropped") << int(KVR_DISPLAY_CROP);
+}
+
 void TestDeskPlayers::zoomScalesThePicture()
 {
+    QFETCH(int, mode);
     const KVR_Rect window = {0, 0, 640, 360};
     KVR_SetPlayerViewPort(m_id, &window);
-    KVR_SetZoom(m_id, 0.5);
+    QCOMPARE(KVR_SetPlayerDisplayMode(m_id, mode), int(KVR_OK));
+    QCOMPARE(KVR_SetZoom(m_id, 0.5), int(KVR_OK));
     playFile(m_id, wide);
     QTRY_VERIFY(!playerPicture(m_id).isNull() && isAbout(playerPicture(m_id).pixelColor(320, 180), blue));
-    QVERIFY(isAbout(playerPicture(m_id).pixelColor(150, 180), Qt::black));
+    QTRY_VERIFY(isAbout(playerPicture(m_id).pixelColor(150, 180), Qt::black));
     QVERIFY(isAbout(playerPicture(m_id).pixelColor(170, 180), blue));
     QVERIFY(isAbout(playerPicture(m_id).pixelColor(320, 80), Qt::black));
     KVR_SetZoom(m_id, 1.0);
     QTRY_VERIFY(isAbout(playerPicture(m_id).pixelColor(5, 5), blue));
+}
+
+// Of a picture with a border all around it, enlarged twice, nothing of the border is seen; made half as large, all of
+// it is, and around it the window.
+void TestDeskPlayers::aStretchedPictureIsZoomedInWhateverWindow()
+{
+    constexpr char framed[] = "/mnt/stb/framed.mkv";
+    QVERIFY(
+        TestMedia::ffmpeg({"-f", "lavfi", "-i", "color=c=0x2040c0:size=480x360:rate=25:d=30", "-vf",
+                           "drawbox=color=0x20c040:thickness=60", "-c:v", "libx264", "-preset", "ultrafast", framed}));
+    const QColor green(0x20, 0xc0, 0x40);
+    playFile(m_id, framed);
+    QCOMPARE(KVR_SetPlayerDisplayMode(m_id, KVR_DISPLAY_STRETCH), int(KVR_OK));
+    const auto shows = [this](double x, double y, const QColor &color) {
+        const QImage picture = playerPicture(m_id);
+        return !picture.isNull()
+            && isAbout(picture.pixelColor(int(picture.width() * x), int(picture.height() * y)), color);
+    };
+    const auto showsAround = [&](double part, const QColor &color) { // of the window's width and height, from its edge
+        return shows(part, 0.5, color) && shows(1 - part, 0.5, color) && shows(0.5, part, color)
+            && shows(0.5, 1 - part, color);
+    };
+    for (const bool paused : {false, true}) {
+        if (paused)
+            QCOMPARE(KVR_Pause(m_id), int(KVR_OK));
+        for (const KVR_Rect window : {KVR_Rect{0, 0, 640, 360}, {0, 0, 300, 600}, {0, 0, 480, 360}}) {
+            QCOMPARE(KVR_SetPlayerViewPort(m_id, &window), int(KVR_OK));
+            QCOMPARE(KVR_SetZoom(m_id, 1), int(KVR_OK));
+            QTRY_VERIFY(showsAround(0.02, green) && shows(0.5, 0.5, blue));
+            QCOMPARE(playerPicture(m_id).size(), QSize(window.width, window.height));
+            QCOMPARE(KVR_SetZoom(m_id, 2), int(KVR_OK));
+            QTRY_VERIFY(showsAround(0.02, blue));
+            QCOMPARE(KVR_SetZoom(m_id, 0.5), int(KVR_OK));
+            QTRY_VERIFY(showsAround(0.23, Qt::black) && showsAround(0.27, green) && shows(0.5, 0.5, blue));
+            // The mode once more, or another one, changes nothing of the zoom.
+            QCOMPARE(KVR_SetPlayerDisplayMode(m_id, KVR_DISPLAY_CROP), int(KVR_OK));
+            QCOMPARE(KVR_SetPlayerDisplayMode(m_id, KVR_DISPLAY_STRETCH), int(KVR_OK));
+            QCOMPARE(KVR_SetPlayerDisplayMode(m_id, KVR_DISPLAY_STRETCH), int(KVR_OK));
+            QTRY_VERIFY(showsAround(0.23, Qt::black) && showsAround(0.27, green));
+        }
+    }
 }
 
 void TestDeskPlayers::aPausedPictureFollowsItsWindow()
