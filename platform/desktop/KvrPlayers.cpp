@@ -71,6 +71,8 @@ int KVR_PlayFile(KVR_ID id, const char *path, long long position, long long, dou
         PlayRequest file = request(PlayRequest::File, path, videoPid, audioPid, subtitlePid);
         file.start = seconds(position);
         file.subtitles = subtitles;
+        if (box().records.isRunning(file.address))
+            file.isRecorded = [name = file.address] { return box().records.isRunning(name); };
         return player.play(file);
     });
 }

@@ -189,11 +189,11 @@ const mpv_event *MpvCore::nextEvent(double timeout)
     return event;
 }
 
-double MpvCore::duration()
+double MpvCore::number(const char *property)
 {
-    double seconds = 0;
-    mpv_get_property(m_handle, "duration", MPV_FORMAT_DOUBLE, &seconds);
-    return seconds;
+    double value = 0;
+    mpv_get_property(m_handle, property, MPV_FORMAT_DOUBLE, &value);
+    return value;
 }
 
 void MpvCore::count(int result)

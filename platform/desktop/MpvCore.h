@@ -68,14 +68,17 @@ public:
     /// waits too: it has opened a stream and plays it from the next call on.
     const mpv_event *nextEvent(double timeout);
 
-    /// Of the stream that is open, in seconds, 0 when not known. Only while the core waits for us.
-    double duration();
+    /// Of the stream that is open, in seconds, 0 when not known: its duration, and the time of its clock that is the
+    /// position 0. Only while the core waits for us.
+    double duration() { return number("duration"); }
+    double startTime() { return number("demuxer-start-time"); }
 
     /// Has a nextEvent() that waits return. Any thread.
     void wakeUp();
 
 private:
     void setOption(const char *name, const std::string &value);
+    double number(const char *property);
     void count(int result);
 
     mpv_handle *m_handle = nullptr;

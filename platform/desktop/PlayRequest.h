@@ -6,6 +6,7 @@
 #include "BufferTimes.h"
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,7 @@ struct PlayRequest
     /// When it was asked.
     std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
     std::string address;              ///< path, URL or magnet link
+    std::function<bool()> isRecorded; ///< whether a recording writes the file yet; empty when none did
     std::vector<std::string> headers; ///< of HTTP requests, "Name: value"
     std::string subtitles;            ///< path of a subtitle file, or empty
     std::string torrentFile;          ///< file inside the torrent, or empty for the largest

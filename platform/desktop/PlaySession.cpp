@@ -13,6 +13,7 @@
 #include "PlayableAddress.h"
 #include "PlayerWindow.h"
 #include "RtpStream.h"
+#include "RunningFile.h"
 
 #include <algorithm>
 #include <utility>
@@ -38,11 +39,12 @@ std::string toSeconds(long long value)
 } // namespace
 
 PlaySession::PlaySession(PlayerModel &model, PlayerWindow &window, MpvCore &core, MagnetStream &magnetStream,
-                         PlayRequest request, unsigned number)
+                         RunningFileStream &runningFileStream, PlayRequest request, unsigned number)
     : m_model(model)
     , m_window(window)
     , m_core(core)
     , m_magnetStream(magnetStream)
+    , m_runningFileStream(runningFileStream)
     , m_request(std::move(request))
     , m_number(number)
     , m_from(m_request.start)
@@ -62,6 +64,12 @@ void PlaySession::begin()
         m_magnetStream.setDownload(m_magnet);
     } else if (!isPlayable(m_request.address)) {
         fail("it is not a file or a stream of the network");
+    } else if (m_request.isRecorded) {
+        m_runningFile = std::make_shared<RunningFile>();
+        m_runningFile->name = m_request.address;
+        m_runningFile->isRunning = m_request.isRecorded;
+        m_runningFileStream.setFile(m_runningFile);
+        load(RunningFileStream::address);
     } else {
         m_lookup = lookUpName(Address(m_request.address).host());
         awaitName(usualLookup);
@@ -111,6 +119,8 @@ void PlaySession::load(const std::string &address)
         options.emplace_back("sub-files-append", m_request.subtitles);
     if (m_request.kind == PlayRequest::Rtsp)
         options.emplace_back("rtsp-transport", m_request.rtspOverTcp ? "tcp" : "udp");
+    if (m_request.kind == PlayRequest::File)
+        m_file.emplace(m_request.address);
     fillBufferFirst(m_request.isRemote());
     if (const std::optional<double> time = expectedBufferTime()) {
         options.emplace_back("cache-pause-wait", std::to_string(*time));
@@ -154,6 +164,7 @@ void PlaySession::end(KVR_PlayerState state)
     // What has come to an end by itself has left nothing behind.
     if (magnetGone.valid() && state != KVR_PLAYER_IDLE)
         magnetGone.wait_for(usualEnd);
+    m_runningFileStream.setFile(nullptr);
     reportMulticast(false);
     change([=](PlayerStatus &status) { status.reset(state); });
     if (m_model.status().session == m_number)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CoreListener.h"
+#include "GrowingFile.h"
 #include "MpvCore.h"
 #include "PlayRequest.h"
 #include "PlayerModel.h"
@@ -23,6 +24,8 @@ class HlsLook;
 class MagnetDownload;
 class MagnetStream;
 class PlayerWindow;
+class RunningFileStream;
+struct RunningFile;
 
 /// One play request from its beginning to its end: all that is known of it goes with it. Gives the player core its
 /// orders and takes what the core reports into the player's status. Lives on the player's thread.
@@ -31,7 +34,7 @@ class PlaySession : private CoreListener
 public:
     /// number: PlayerStatus::session of this one, and the tag of its orders to the core. All references outlive it.
     PlaySession(PlayerModel &model, PlayerWindow &window, MpvCore &core, MagnetStream &magnetStream,
-                PlayRequest request, unsigned number);
+                RunningFileStream &runningFileStream, PlayRequest request, unsigned number);
     PlaySession(const PlaySession &) = delete;
     PlaySession &operator=(const PlaySession &) = delete;
     ~PlaySession() override;
@@ -95,7 +98,7 @@ private:
     void awaitProgress(Clock::duration silence);
     void tellTracks();
     double reached() const;
-    double knownDuration() const { return m_seekable && !m_partlySeekable ? m_duration : 0; }
+    double knownDuration() const;
     bool isCutOff() const;
     void tellEnd(const Problem &problem);
     void awaitName(std::chrono::milliseconds time);
@@ -112,6 +115,7 @@ private:
     void stepBackwards();
     void updateState();
     void updateDuration();
+    void watchFile();
     void reachEnd();
     bool beginsBeyondEnd() const;
     void failAsReported();
@@ -131,6 +135,7 @@ private:
     PlayerWindow &m_window;
     MpvCore &m_core;
     MagnetStream &m_magnetStream;
+    RunningFileStream &m_runningFileStream;
     const PlayRequest m_request;
     const unsigned m_number;
     std::shared_ptr<MagnetDownload> m_magnet;
@@ -140,7 +145,8 @@ private:
     std::future<Problem> m_endLook;
     std::future<Problem> m_stallLook;
     std::vector<StreamName> m_names;
-    std::shared_ptr<const TrackList> m_tracks; // as the core tells them
+    std::shared_ptr<const TrackList> m_tracks;  // as the core tells them
+    std::shared_ptr<RunningFile> m_runningFile; // what is played, if it is still recorded
 
     long long m_entry = -1;     // the core's number for what is played
     long long m_lastEntry = -1; // and for the last one, when it is a playlist
@@ -163,17 +169,22 @@ private:
     std::string m_group;          // multicast group that was joined
     double m_from;                // seconds, where playing began or was last sent to
     double m_duration = 0;        // seconds
+    double m_startTime = 0;       // seconds, by the stream's own clock
+    double m_grownTo = 0;         // seconds, the duration of a file that grows
     double m_knownLength = 0;     // seconds, of what is played, as it was opened; 0 when not known
     double m_buffered = 0;        // seconds
-    std::string m_format;         // its demuxer
-    long long m_size = 0;         // bytes
-    long long m_byte = 0;         // that playing has come to
+    std::optional<GrowingFile> m_file;
+    std::string m_format; // its demuxer
+    long long m_size = 0; // bytes
+    long long m_byte = 0; // that playing has come to
     bool m_viaNetwork = false;
     bool m_opened = false;
     bool m_seekable = false;
     bool m_partlySeekable = false;
     Clock::time_point m_progress;
     Clock::time_point m_lastPositionEvent;
+    Clock::time_point m_lastDuration; // that was told
+    Clock::time_point m_lastLook;     // at the file
 };
 
 } // namespace Desk

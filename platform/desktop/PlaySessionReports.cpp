@@ -9,6 +9,7 @@
 #include "Log.h"
 #include "PlaySession.h"
 #include "PlayerWindow.h"
+#include "RunningFile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,6 +25,7 @@ using std::chrono::seconds;
 // A player without any progress for so long is in error: the page is told within 15 seconds.
 constexpr seconds patience{12};
 constexpr milliseconds positionInterval{500};
+constexpr milliseconds durationInterval{500};
 
 // Seconds that the player core fills its buffer again after it ran empty.
 constexpr double usualPause = 1;
@@ -80,6 +82,8 @@ void PlaySession::tick()
         if (m_viaNetwork && m_size > 0)
             CoreEvents::askForByte(m_core, m_number);
     }
+    watchFile();
+    updateDuration();
     if (m_started && m_paused)
         madeProgress();
     awaitProgress(now - m_progress);
@@ -169,6 +173,7 @@ void PlaySession::streamPrepared(double seconds)
     if (!m_inCore)
         return;
     m_opened = true;
+    m_startTime = m_core.startTime();
     m_knownLength = seconds;
     if (seconds > 0 && beginsBeyondEnd())
         end(KVR_PLAYER_ENDED);
@@ -184,6 +189,8 @@ void PlaySession::streamOpened()
 {
     if (!m_inCore)
         return;
+    if (m_runningFile)
+        m_runningFile->isOpened = true;
     change([](PlayerStatus &status) { status.loaded = true; });
     CoreEvents::observeTracks(m_core, m_number);
 }
@@ -320,13 +327,36 @@ void PlaySession::partlySeekableChanged(bool isPartlySeekable)
     updateDuration();
 }
 
+double PlaySession::knownDuration() const
+{
+    // The end of a live stream is only the end of what has come so far.
+    return m_seekable && !m_partlySeekable ? std::max(m_duration, m_grownTo) : 0;
+}
+
 void PlaySession::updateDuration()
 {
     change([this](PlayerStatus &status) {
         status.seekable = m_seekable;
-        // The end of a live stream is only the end of what has come so far.
-        status.duration = toMilliseconds(knownDuration());
+        // What grows does so with each picture; a page is told of it twice a second.
+        const Clock::time_point now = Clock::now();
+        const long long duration = toMilliseconds(knownDuration());
+        if (duration == status.duration
+            || (duration > 0 && status.duration > 0 && now - m_lastDuration < durationInterval))
+            return;
+        status.duration = duration;
+        m_lastDuration = now;
     });
+}
+
+// The core knows of a file's growth only what it has read.
+void PlaySession::watchFile()
+{
+    const Clock::time_point now = Clock::now();
+    if (!m_file || !m_opened || now - m_lastLook < durationInterval)
+        return;
+    m_lastLook = now;
+    if (const std::optional<double> end = m_file->takeEnd())
+        m_grownTo = *end - m_startTime;
 }
 
 void PlaySession::tracksChanged(std::shared_ptr<const TrackList> tracks)

@@ -21,6 +21,7 @@ Playback::Playback(PlayerModel &model, PlayerWindow &window)
 {
     m_magnetStream.install(m_core);
     m_rtpStream.install(m_core);
+    m_runningFileStream.install(m_core);
     const PlayerStatus status = m_model.status();
     m_core.set("volume", static_cast<double>(status.volume));
     m_core.set("mute", status.mute);
@@ -37,7 +38,8 @@ Playback::~Playback()
 void Playback::open(const PlayRequest &request, unsigned number)
 {
     stop();
-    m_session = std::make_unique<PlaySession>(m_model, m_window, m_core, m_magnetStream, request, number);
+    m_session =
+        std::make_unique<PlaySession>(m_model, m_window, m_core, m_magnetStream, m_runningFileStream, request, number);
     order([](PlaySession &session) { session.begin(); });
 }
 

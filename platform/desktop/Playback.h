@@ -8,6 +8,7 @@
 #include "MpvCore.h"
 #include "PlaySession.h"
 #include "RtpStream.h"
+#include "RunningFile.h"
 
 #include <functional>
 #include <memory>
@@ -49,7 +50,8 @@ private:
 
     PlayerModel &m_model;
     PlayerWindow &m_window;
-    MagnetStream m_magnetStream; // the core reads from both
+    MagnetStream m_magnetStream; // the core reads from all of them
+    RunningFileStream m_runningFileStream;
     RtpStream m_rtpStream;
     MpvCore m_core;
     FrameRenderer m_renderer;

@@ -56,6 +56,15 @@ DueRecords RecordBook::due() const
     return dueAt(wallClock(), m_records);
 }
 
+bool RecordBook::isRunning(const std::string &file) const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return std::any_of(m_records.begin(), m_records.end(), [&](const auto &entry) {
+        const Record &record = entry.second;
+        return record.state == KVR_RECORD_RUNNING && RecordFile::areSame(record.file, file);
+    });
+}
+
 std::vector<Record> RecordBook::othersOf(const Record &record) const
 {
     std::vector<Record> others;

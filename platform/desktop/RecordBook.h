@@ -36,6 +36,7 @@ public:
     std::vector<Record> all() const;
     std::optional<Record> find(KVR_ID id) const;
     DueRecords due() const;
+    bool isRunning(const std::string &file) const;
     /// Other recordings than this one that have written its file.
     std::vector<Record> othersOf(const Record &record) const;
 

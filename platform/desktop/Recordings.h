@@ -9,6 +9,7 @@
 
 #include <future>
 #include <mutex>
+#include <string>
 
 namespace Desk {
 
@@ -23,6 +24,9 @@ public:
 
     /// The book. The first call waits until the schedule has been read.
     RecordBook &book();
+
+    /// Whether a recording that runs writes this file. Waits for nothing: none does before the schedule has been read.
+    bool isRunning(const std::string &file) const { return m_book.isRunning(file); }
 
     /// Forgets the recordings that have ended, and removes the files of those that failed.
     int cleanUp();

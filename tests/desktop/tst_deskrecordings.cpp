@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <climits>
 #include <ctime>
 #include <functional>
 #include <memory>
@@ -83,6 +84,7 @@ private slots:
     void cleanup();
     void aRecordingRunsAtItsTime();
     void aRecordingWhoseTimeHasBegunStartsAtOnce();
+    void aRecordingIsPlayedWhileItRuns();
     void recordingsRunSideBySide();
     void aScheduledRecordingCanBeChanged();
     void aRunningRecordingCanChangeItsDurationOnly();
@@ -156,6 +158,52 @@ void TestDeskRecordings::aRecordingWhoseTimeHasBegunStartsAtOnce()
     QTRY_COMPARE(KVR_GetRecordStatus(id), int(KVR_RECORD_RUNNING));
     QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(id), int(KVR_RECORD_DONE), 20000);
     QCOMPARE(RecordedFile("/mnt/stb/films/of/today.ts").pids, TestMedia::barsPids());
+}
+
+void TestDeskRecordings::aRecordingIsPlayedWhileItRuns()
+{
+    constexpr char file[] = "/mnt/stb/running.ts";
+    constexpr int length = 16; // seconds
+    const Channel channel;
+    const KVR_ID record = KVR_AddRecord(channel.address, file, now(), length);
+    QTRY_VERIFY(QFile(file).size() > 300000);
+    const KVR_ID player = KVR_CreatePlayer();
+    KVR_PlayFile(player, file, 0, 0, 0, "", -1, -1, -1);
+    QTRY_COMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_PLAYING));
+
+    // The duration follows.
+    const DeskEvents events(player);
+    QElapsedTimer timer;
+    timer.start();
+    const long long before = KVR_GetDuration(player);
+    QTRY_VERIFY(KVR_GetDuration(player) > before + 3000);
+    QVERIFY(timer.elapsed() > 2000);
+    const int told = DeskEvents::count(KVR_EVENT_METADATA);
+    QVERIFY2(told > 2 && told <= timer.elapsed() / 500 + 1, qPrintable(QString::number(told)));
+
+    // To now, where it goes on, and back.
+    const long long end = KVR_GetDuration(player);
+    QCOMPARE(KVR_SetPosition(player, LLONG_MAX), int(KVR_OK));
+    QVERIFY(KVR_GetPosition(player) >= end);
+    QTRY_VERIFY(KVR_GetPosition(player) > end + 1000);
+    QCOMPARE(KVR_Pause(player), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_PAUSED));
+    QCOMPARE(KVR_SetPosition(player, 1000), int(KVR_OK));
+    const long long paused = KVR_GetDuration(player);
+    QTRY_VERIFY(KVR_GetDuration(player) > paused + 1000);
+    QVERIFY(KVR_GetPosition(player) >= 1000 && KVR_GetPosition(player) < 1100);
+    QCOMPARE(KVR_Continue(player), int(KVR_OK));
+    QTRY_VERIFY(KVR_GetPosition(player) > 1500);
+    QCOMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_PLAYING));
+
+    // Its end.
+    QTRY_COMPARE_WITH_TIMEOUT(KVR_GetRecordStatus(record), int(KVR_RECORD_DONE), patience);
+    const RecordedFile recorded(file);
+    QTRY_VERIFY2(qAbs(KVR_GetDuration(player) - recorded.seconds * 1000) < 500,
+                 qPrintable(QString("%1 of %2 s").arg(KVR_GetDuration(player)).arg(recorded.seconds)));
+    QCOMPARE(KVR_SetPosition(player, KVR_GetDuration(player) - 1000), int(KVR_OK));
+    QTRY_COMPARE(KVR_GetPlayerState(player), int(KVR_PLAYER_ENDED));
+    KVR_ClosePlayer(player);
 }
 
 void TestDeskRecordings::recordingsRunSideBySide()
