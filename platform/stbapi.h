@@ -143,7 +143,8 @@ typedef int (*KVR_EventHandler)(int argument);
 enum KVR_EventType {
     /* of a player; the argument is its identifier */
     KVR_EVENT_STATE = 1,          /* KVR_GetPlayerState has changed */
-    KVR_EVENT_METADATA = 2,       /* the stream's duration and tracks are known, or have changed */
+    KVR_EVENT_METADATA = 2,       /* the stream's duration and tracks are known, or have changed; of a duration that
+                                     grows it tells twice a second at most */
     KVR_EVENT_POSITION = 3,       /* sent twice a second while playing, and after a seek */
     KVR_EVENT_AUDIO = 4,          /* the audio tracks or the chosen one changed */
     KVR_EVENT_VIDEO = 5,          /* the video track or the size of its picture changed */
@@ -257,7 +258,10 @@ int KVR_SetPosition(KVR_ID id, long long position);
 /* The position in milliseconds, never beyond a duration that is known; 0 when nothing plays. */
 long long KVR_GetPosition(KVR_ID id);
 
-/* The duration in milliseconds; 0 when it is not known, as for live streams. */
+/*
+ * The duration in milliseconds; 0 when it is not known, as for live streams. That of the file of a running recording
+ * grows with it.
+ */
 long long KVR_GetDuration(KVR_ID id);
 
 /*
