@@ -449,11 +449,9 @@ void PlaySession::updateState()
 void PlaySession::reachEnd()
 {
     m_core.unobserve(m_number); // the core forgets what it played
-    if (beginsBeyondEnd())
-        end(KVR_PLAYER_ENDED);
-    else if (!m_started)
+    if (!m_started && !beginsBeyondEnd())
         fail("there is nothing to play in it");
-    else if (m_look && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
+    else if (m_started && m_look && (knownDuration() <= 0 || reached() + exactEnd < m_duration))
         m_endLook = m_look->problemAtEnd(); // FFmpeg takes what does not come for the end
     else
         tellEnd(std::nullopt);

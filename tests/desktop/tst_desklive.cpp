@@ -99,12 +99,12 @@ private:
 };
 
 KVR_ID player = -1;
-QList<int> states; // that events told
+Q_GLOBAL_STATIC(QList<int>, states) // that events told
 
 void noteState(int type)
 {
     if (type == KVR_EVENT_STATE)
-        states += KVR_GetPlayerState(player);
+        *states += KVR_GetPlayerState(player);
 }
 
 } // namespace
@@ -301,12 +301,12 @@ void TestDeskLive::aZapIsOneOpeningAndOnePlaying()
     DeskEvents::setReaction(noteState);
     for (int zap = 0; zap < zaps; ++zap) {
         DeskEvents::clear();
-        states.clear();
+        states->clear();
         QCOMPARE(KVR_PlayStream(m_id, channels[zap % channels.size()].toUtf8(), -1, -1, -1), int(KVR_OK));
         QVERIFY(comesToPlay(m_id));
         QTest::qWait(watched);
         DeskEvents::clear();
-        QCOMPARE(states, QList<int>({KVR_PLAYER_OPENING, KVR_PLAYER_PLAYING}));
+        QCOMPARE(*states, QList<int>({KVR_PLAYER_OPENING, KVR_PLAYER_PLAYING}));
     }
 }
 
