@@ -157,7 +157,8 @@ void TestScriptNames::scriptsUseNamesThatABoxHas_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QStringList>("others"); // of the plugin's objects; errors have a stack where there are guards
-    QTest::newRow("plugin") << "resources/page" << QStringList{"members", "occurred", "rename", "stack"};
+    QTest::newRow("plugin") << "resources/page"
+                            << QStringList{"members", "occurred", "rename", "require", "shown", "stack"};
     QTest::newRow("portal") << "portal/js" << QStringList{};
 }
 
