@@ -95,6 +95,7 @@ void PageLoader::finish(bool isLoaded)
 void PageLoader::reload()
 {
     qDebug() << "Try to load page" << view->url();
+    view->stop(); // a load that is given up has failed
     replacePage(view->url());
 }
 

@@ -50,6 +50,8 @@ private slots:
     void whatAPageDoesAtItsEndKeepsNobody();
     void aPageMayBeLeftWhileItsDialogIsOpen();
     void loadingAgainIsOneLoad();
+    void aLoadThatIsGivenUpForItHasFailed_data();
+    void aLoadThatIsGivenUpForItHasFailed();
 
 private:
     HttpServer m_server;
@@ -195,6 +197,42 @@ void TestPageEnd::loadingAgainIsOneLoad()
     QCOMPARE(addresses.size(), 1);
     QCOMPARE(plugin.browser()->history()->count(), steps);
     QCOMPARE(plugin.evaluate("[history.length, document.referrer]").toList(), QVariantList({steps, QString()}));
+}
+
+void TestPageEnd::aLoadThatIsGivenUpForItHasFailed_data()
+{
+    QTest::addColumn<bool>("answers");
+
+    QTest::newRow("before it was answered") << false;
+    QTest::newRow("on its way") << true;
+}
+
+void TestPageEnd::aLoadThatIsGivenUpForItHasFailed()
+{
+    QFETCH(bool, answers);
+    HttpServer::Page stalling = {QByteArray(10000, ' ')};
+    stalling.stallAt = 8000;
+    stalling.answered = answers;
+    m_server.serve("/stalling", stalling);
+    HostedPlugin plugin;
+    QVERIFY(plugin.start());
+    QVERIFY(plugin.waitForLoad());
+    plugin.evaluate("location.href = '/stalling'");
+    QTRY_COMPARE(m_server.requestsFor("/stalling").size(), 1);
+    if (answers)
+        QTRY_COMPARE(plugin.browser()->url(), m_server.url("/stalling"));
+    const QUrl address = plugin.browser()->url();
+    m_server.serve("/stalling", "<title>Portal</title>");
+    const QSignalSpy finished(plugin.browser(), SIGNAL(loadFinished(bool)));
+
+    QMetaObject::invokeMethod(plugin.browser(), "reloadPage");
+    QCOMPARE(finished.size(), 1);
+    QCOMPARE(finished.at(0), QVariantList({false}));
+    QVERIFY(plugin.waitForLoad());
+    QCOMPARE(finished.size(), 2);
+    QCOMPARE(finished.at(1), QVariantList({true}));
+    QCOMPARE(plugin.browser()->url(), address);
+    QCOMPARE(plugin.browser()->title(), QString("Portal"));
 }
 
 QTEST_MAIN(TestPageEnd)
