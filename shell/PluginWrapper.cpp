@@ -20,8 +20,6 @@
 #include <QWebPage>
 #include <QWebSettings>
 
-#include <cstdlib>
-
 namespace {
 
 const char defaultPluginDir[] = "/sdk/qt/STBGUI_PLUGIN/stbbrowser/";
@@ -50,7 +48,7 @@ void setUpEngine()
     qputenv(variable, "0");
     QWebSettings::globalSettings();
     if (former.isNull())
-        unsetenv(variable);
+        QtCompat::unsetEnvironment(variable);
     else
         qputenv(variable, former);
 }

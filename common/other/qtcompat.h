@@ -12,6 +12,8 @@
 #include <QTimer>
 #include <QtPlugin>
 
+#include <cstdlib>
+
 #if QT_VERSION >= 0x050000
 /// Stands in the class that is the plugin's root object.
 #define KAVRO_PLUGIN_ROOT Q_PLUGIN_METADATA(IID KAVRO_STB_INTERFACE_ID)
@@ -62,6 +64,16 @@ inline bool isSynchronous(const QNetworkRequest &request)
 #else
     Q_UNUSED(request)
     return false;
+#endif
+}
+
+/// Takes a variable out of the environment, in turn with the toolkit's other uses of it where that is known.
+inline void unsetEnvironment(const char *name)
+{
+#if QT_VERSION >= 0x050000
+    qunsetenv(name);
+#else
+    unsetenv(name);
 #endif
 }
 
