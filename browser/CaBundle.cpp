@@ -111,24 +111,26 @@ void CaBundle::require()
     malloc_trim(0);
 }
 
-void CaBundle::watchSockets(QWebPage *page)
+void CaBundle::addTo(QWebFrame *frame)
 {
     if (isInUse)
         return;
-    watchSocketsOf(page->mainFrame());
-    connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watchSocketsOf(QWebFrame *)));
-}
-
-void CaBundle::watchSocketsOf(QWebFrame *frame)
-{
-    connect(frame, SIGNAL(javaScriptWindowObjectCleared()), SLOT(addToFrame()));
-}
-
-void CaBundle::addToFrame()
-{
-    if (isInUse)
-        return;
-    QWebFrame *const frame = static_cast<QWebFrame *>(sender());
     frame->addToJavaScriptWindowObject(QLatin1String("certificates"), this);
     runPageScript(frame, "sockets");
+}
+
+void CaBundle::watchFrames(const QWebPage *page)
+{
+    if (!isInUse)
+        connect(page, SIGNAL(frameCreated(QWebFrame *)), SLOT(watch(QWebFrame *)));
+}
+
+void CaBundle::watch(QWebFrame *frame)
+{
+    connect(frame, SIGNAL(javaScriptWindowObjectCleared()), SLOT(addToSender()));
+}
+
+void CaBundle::addToSender()
+{
+    addTo(static_cast<QWebFrame *>(sender()));
 }

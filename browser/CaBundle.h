@@ -22,8 +22,10 @@ public:
     /// They are in use then.
     ~CaBundle() override;
 
-    /// Has the page and its frames wait before they open a secure WebSocket: the engine asks nobody for that.
-    void watchSockets(QWebPage *page);
+    /// Has a new page in the frame wait before it opens a secure WebSocket: the engine asks nobody for that.
+    void addTo(QWebFrame *frame);
+    /// Does so for all frames inside the page.
+    void watchFrames(const QWebPage *page);
 
 public slots:
     void begin();
@@ -31,8 +33,8 @@ public slots:
     void require();
 
 private slots:
-    void watchSocketsOf(QWebFrame *frame);
-    void addToFrame();
+    void watch(QWebFrame *frame);
+    void addToSender();
 
 private:
     class Reader;

@@ -5,7 +5,6 @@
 
 #include "browser/AddressDialog.h"
 #include "browser/CaBundle.h"
-#include "browser/FrameProtection.h"
 #include "browser/PageLoader.h"
 #include "browser/ScriptObjects.h"
 #include "browser/TraceFile.h"
@@ -85,8 +84,7 @@ void KavroStbBrowser::connectPage()
     connect(EventNotifier::instance(), SIGNAL(eventOccured(int, int)), SLOT(evaluateEvent(int, int)),
             Qt::QueuedConnection);
     connect(page()->mainFrame(), SIGNAL(javaScriptWindowObjectCleared()), SLOT(populateJavaScriptWindowObject()));
-    FrameProtection::addTo(page());
-    bundle->watchSockets(page());
+    bundle->watchFrames(page());
     connect(scriptObjects->mediaObject(), SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
     connect(scriptObjects->deprecatedMediaObject(), SIGNAL(jsCallback(QString)), SLOT(setJsCallback(QString)));
 }
@@ -141,7 +139,9 @@ void KavroStbBrowser::loadErrorPage()
 
 void KavroStbBrowser::populateJavaScriptWindowObject()
 {
-    scriptObjects->addTo(page()->mainFrame());
+    QWebFrame *const frame = page()->mainFrame();
+    scriptObjects->addTo(frame);
+    bundle->addTo(frame);
 }
 
 void KavroStbBrowser::evaluateEvent(int argument, int code)

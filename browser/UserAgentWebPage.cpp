@@ -3,6 +3,7 @@
 
 #include "browser/UserAgentWebPage.h"
 
+#include "browser/FrameProtection.h"
 #include "browser/StbWebNam.h"
 #include "jsapi/StoragePath.h"
 
@@ -30,6 +31,7 @@ UserAgentWebPage *UserAgentWebPage::create(QObject *parent, CaBundle *bundle)
     settings->setLocalStoragePath(QLatin1String(localStorageDirectory));
     UserAgentWebPage *page = new UserAgentWebPage(parent);
     settings->setLocalStoragePath(storagePath);
+    FrameProtection::addTo(page);
     page->setNetworkAccessManager(new StbWebNam(parent, bundle));
     return page;
 }
