@@ -31,11 +31,11 @@
 namespace {
 
 // At the end of the process the toolkit destroys the plugins that nobody holds, when the web engine is no more.
-void keepPlugin()
+void keepPlugin(QObject *holder)
 {
     Dl_info plugin;
     if (dladdr(&KavroStbBrowser::staticMetaObject, &plugin) != 0)
-        new QPluginLoader(QFile::decodeName(plugin.dli_fname));
+        new QPluginLoader(QFile::decodeName(plugin.dli_fname), holder);
 }
 
 } // namespace
@@ -116,7 +116,7 @@ void KavroStbBrowser::reloadPage()
 
 void KavroStbBrowser::closeBrowser()
 {
-    keepPlugin();
+    keepPlugin(this);
     std::exit(0);
 }
 
