@@ -115,6 +115,22 @@ var hostile = (function () {
                 }
             }
         },
+        // A function that does nothing when it is called by what it does. The engine asks for the text of a call's next
+        // argument though it could not have that of the one before: a function that every object is asked for its text
+        // by, and that calls with two, would run twice as often with each level of the stack.
+        alone: function (called) {
+            var runs = false;
+            return function () {
+                if (runs)
+                    return '1';
+                runs = true;
+                try {
+                    return called();
+                } finally {
+                    runs = false;
+                }
+            };
+        },
         // Not what the call itself changes.
         observe: function (call) {
             var observer = new MutationObserver(function () {
