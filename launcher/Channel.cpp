@@ -19,8 +19,7 @@ Channel::Channel(int descriptor)
         if (mayWait)
             send(Line, text);
         else
-            ::send(m_descriptor, (char(LineNow) + text).constData(), size_t(text.size()) + 1,
-                   MSG_DONTWAIT | MSG_NOSIGNAL);
+            sendNow(text);
     });
 }
 
@@ -44,6 +43,17 @@ void Channel::tellMemory(const char *text, size_t size) const
     for (size_t i = 0; i < size; ++i)
         message[i + 1] = text[i];
     ::send(m_descriptor, message, size + 1, MSG_DONTWAIT | MSG_NOSIGNAL);
+}
+
+// Takes no memory, for there may be none.
+void Channel::sendNow(const QByteArray &text) const
+{
+    char kind = LineNow;
+    iovec parts[] = {{&kind, 1}, {const_cast<char *>(text.constData()), size_t(text.size())}};
+    msghdr message = {};
+    message.msg_iov = parts;
+    message.msg_iovlen = 2;
+    sendmsg(m_descriptor, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
 }
 
 void Channel::send(Kind kind, const QByteArray &text)

@@ -33,6 +33,7 @@ public:
 
 private:
     void send(Kind kind, const QByteArray &text);
+    void sendNow(const QByteArray &text) const;
 
     const int m_descriptor;
     std::mutex m_mutex; // one message and its answer at a time

@@ -16,30 +16,29 @@ Reporter &currentReporter()
     return reporter;
 }
 
-void report(const QString &text, bool mayWait)
+void say(const QByteArray &text, bool mayWait)
 {
-    QString line = text.size() > longestText ? text.left(longestText) + "..." : text;
-    for (QChar &character : line) {
-        if (character.category() == QChar::Other_Control)
-            character = ' ';
-    }
-    const QByteArray bytes = line.toLocal8Bit();
     if (currentReporter())
-        currentReporter()(bytes, mayWait);
+        currentReporter()(text, mayWait);
     else
-        std::fprintf(stderr, "kavro-box: %s\n", bytes.constData());
+        std::fprintf(stderr, "kavro-box: %s\n", text.constData());
 }
 
 } // namespace
 
 void report(const QString &text)
 {
-    report(text, true);
+    QString line = text.size() > longestText ? text.left(longestText) + "..." : text;
+    for (QChar &character : line) {
+        if (character.category() == QChar::Other_Control)
+            character = ' ';
+    }
+    say(line.toLocal8Bit(), true);
 }
 
-void reportNow(const QString &text)
+void reportNow(const QByteArray &text)
 {
-    report(text, false);
+    say(text, false);
 }
 
 void setReporter(Reporter reporter)

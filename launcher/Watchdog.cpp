@@ -17,10 +17,22 @@ const auto patience = 10s;
 const auto patienceAtEnd = 3s; // of a slow PC that loads, draws or saves its picture
 const double memoryShare = 0.9;
 
+// In advance, since when it is to be said there is no memory for it.
+QByteArray memoryLine()
+{
+    const std::optional<rlim_t> most = Limits::memory();
+    if (!most)
+        return {};
+    return QString("the page has taken nearly all of the %1 of memory that a box has; what needs more fails")
+        .arg(Limits::memoryText(*most))
+        .toLocal8Bit();
+}
+
 } // namespace
 
 Watchdog::Watchdog()
-    : m_thread(&Watchdog::run, this)
+    : m_memoryLine(memoryLine())
+    , m_thread(&Watchdog::run, this)
 {
     QObject::connect(&m_heart, &QTimer::timeout, &m_heart, [this] { beat(); });
     m_heart.start(interval);
@@ -58,15 +70,16 @@ void Watchdog::run()
         const auto now = Clock::now();
         const auto silence = now - m_lastBeat;
         if (silence >= patienceAtEnd && now - patienceAtEnd >= m_end) {
-            reportNow("what the page has begun does not end, so the desk box leaves without waiting for it");
+            reportNow(QByteArrayLiteral(
+                "what the page has begun does not end, so the desk box leaves without waiting for it"));
             _exit(m_exitStatus);
         }
         if (silence < patience)
             isTold = false;
         else if (!isTold) {
-            reportNow(
+            reportNow(QByteArrayLiteral(
                 "nothing has moved for 10 s: a script, the layout or a picture of the page, or a file, takes so long; "
-                "keys and events wait");
+                "keys and events wait"));
             isTold = true;
         }
         checkMemory();
@@ -78,7 +91,6 @@ void Watchdog::checkMemory()
     const std::optional<rlim_t> most = Limits::memory();
     const bool isTaken = most && double(Limits::memoryTaken()) > double(*most) * memoryShare;
     if (isTaken && !m_isMemoryTaken)
-        reportNow(QString("the page has taken nearly all of the %1 of memory that a box has; what needs more fails")
-                      .arg(Limits::memoryText(*most)));
+        reportNow(m_memoryLine);
     m_isMemoryTaken = isTaken;
 }

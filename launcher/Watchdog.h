@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QTimer>
 
 #include <chrono>
@@ -31,6 +32,7 @@ private:
     void beat();
     void checkMemory();
 
+    const QByteArray m_memoryLine;
     QTimer m_heart;
     std::mutex m_mutex; // of all that follows
     std::condition_variable m_stop;
