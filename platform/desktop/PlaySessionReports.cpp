@@ -173,6 +173,9 @@ void PlaySession::streamPrepared(double seconds)
     if (!m_inCore)
         return;
     m_opened = true;
+    // The core, which waits for us here, has read what it wanted to know, and does not play yet.
+    if (m_runningFile)
+        m_runningFile->isOpened = true;
     m_startTime = m_core.startTime();
     m_knownLength = seconds;
     if (seconds > 0 && beginsBeyondEnd())
@@ -189,8 +192,6 @@ void PlaySession::streamOpened()
 {
     if (!m_inCore)
         return;
-    if (m_runningFile)
-        m_runningFile->isOpened = true;
     change([](PlayerStatus &status) { status.loaded = true; });
     CoreEvents::observeTracks(m_core, m_number);
 }
