@@ -136,10 +136,12 @@ void TestInBox::aPlaceOfTheBoxIsAFolderOfItsDirectory()
     QFETCH(bool, isWritable);
     QCOMPARE(run({"true"}), 0);
     QVERIFY(writeFile(m_box + place + "/from-outside", "text\n"));
-    QCOMPARE(runScript("cat \"$1/from-outside\"; echo inside > \"$1/probe\" || echo read-only", {place}), 0);
+    // A name that nobody else's file in the PC's own place has.
+    const QString probe = place + "/" + QFileInfo(m_folder->path()).fileName() + "-probe";
+    QCOMPARE(runScript("cat \"$1/from-outside\"; echo inside > \"$2\" || echo read-only", {place, probe}), 0);
     QCOMPARE(m_inBox->output(), QByteArray(isWritable ? "text\n" : "text\nread-only\n"));
-    QCOMPARE(contentOf(m_box + place + "/probe"), QByteArray(isWritable ? "inside\n" : ""));
-    QVERIFY(!QFile::exists(place + "/probe"));
+    QCOMPARE(contentOf(m_box + probe), QByteArray(isWritable ? "inside\n" : ""));
+    QVERIFY(!QFile::exists(probe));
 }
 
 void TestInBox::nothingIsCreatedOnThePc()
